@@ -1,0 +1,69 @@
+/* surface.h - surface maps: how far each pixel lies from a shape's outline, and in which direction.
+ *
+ * Distance plane: a PATHBUF of 32 bits whose pixels are single floats, squared distances; 0.0 no surface, 0.0001 the
+ * outline itself, 300.0 a flat top, less than 0 outside. Offset plane: a PATHBUF of depth code 0x40 whose pixels are
+ * SURFVEC16 or SURFVECF; which of the two follows from the arguments that made it.
+ */
+#ifndef ZR32PATH_SURFACE_H
+#define ZR32PATH_SURFACE_H
+
+#include "store.h"
+#include "types.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* Vectors from a pixel to the nearest point of the outline and, on a ridge, to a second edge; 1/256 pixel. */
+typedef struct SURFVEC16 {
+    int16_t x1;
+    int16_t y1;
+    int16_t x2;
+    int16_t y2;
+} SURFVEC16;
+
+/* One vector in pixels. */
+typedef struct SURFVECF {
+    float x;
+    float y;
+} SURFVECF;
+
+/* code 1: the map begins, value 0. code 2: a pass has advanced, value a percentage; a result of 0 aborts. code 4: the
+ * map is finished, also after a failure. The third argument is always 0. */
+typedef int32_t (*ZRVMAPCALLBACK)(int32_t code, int32_t value, int32_t zero, intptr_t user);
+
+typedef struct VMAPPROGRESS {
+    int32_t active;          /* set to 1 by the exact distance builder */
+    ZRVMAPCALLBACK callback; /* may be null */
+    intptr_t user;           /* handed back unchanged */
+    int32_t rangeFrom;       /* percentages at which the running pass begins and ends */
+    int32_t rangeTo;
+} VMAPPROGRESS;
+
+/* Makes the surface map of a shape.
+ *   path          the shape
+ *   distOut       in: not 0 asks for the distance plane; out: the new plane, or 0
+ *   offsetOut     the same for the offset plane
+ *   evenOdd       without a mask: not 0 even-odd rule, 0 non-zero winding
+ *   fixedHeight   lone primitives: not 0 sets the height to 30.0, 0 lets the size decide
+ *   envelopeMode  not 0: from the path's envelope outline record
+ *   outset        0: inside the outline; above 0: outside it, by a mask this much larger on each side; below: both
+ *   noMitre       without a mask: not 0 leaves out the mitres of corners
+ *   width         in: reach of the surface in pixels, 0 for no surface; out: overwritten for lone primitives and
+ *                 envelopes
+ *   floatVectors  without a mask: not 0 writes SURFVECF instead of SURFVEC16
+ *   useMask       not 0: made against mask, by sweeping the outline; 0: exact, without a mask
+ *   mask          an 8-bit mask of the shape from ZrPathToBuf, which sets the map's size; inverted for a time and
+ *                 unchanged on return
+ *   progress      may be null
+ *   zoom          map pixels a path unit
+ * The caller frees the planes with ZrPathBufFree. 1; 0 on failure or abort. An aborted map has both planes 0. */
+ZRPATHAPI int32_t ZrPathVMap(PATHREC *path, PATHBUF *distOut, PATHBUF *offsetOut, int32_t evenOdd, int32_t fixedHeight,
+                             int32_t envelopeMode, int32_t outset, int32_t noMitre, double *width, int32_t floatVectors,
+                             int32_t useMask, PATHBUF mask, VMAPPROGRESS *progress, ZRFIXED zoom);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
