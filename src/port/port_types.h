@@ -21,6 +21,11 @@ typedef void *HGDIOBJ;
 typedef HANDLE HGLOBAL;
 typedef struct HDC__ *HDC;
 typedef struct HWND__ *HWND;
+typedef struct HPEN__ *HPEN;
+typedef struct HBRUSH__ *HBRUSH;
+typedef struct HRGN__ *HRGN;
+typedef struct HBITMAP__ *HBITMAP;
+typedef struct HFONT__ *HFONT;
 typedef struct tagRECT RECT;
 typedef struct tagPOINT POINT;
 

@@ -7,7 +7,11 @@
 #ifndef ZR32PORT_H
 #define ZR32PORT_H
 
+#include "port_font.h"
+#include "port_gdi.h"
 #include "port_kernel.h"
 #include "port_rect.h"
+#include "port_text.h"
+#include "port_window.h"
 
 #endif
