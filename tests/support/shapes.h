@@ -2,6 +2,7 @@
 #ifndef ZR32_TESTS_SHAPES_H
 #define ZR32_TESTS_SHAPES_H
 
+#include "platform/platform.h"
 #include <vector>
 #include <zr32path.h>
 
