@@ -1,0 +1,27 @@
+/* select.h - the selection of records and its chain.
+ *
+ * Flags say what is selected, the selected chain is rebuilt from them, and the group's selected path is the chain's
+ * head. Whoever changes flags rebuilds the chain and tells the table (ZrPathAssignSelectedPath).
+ */
+#ifndef ZR32_SELECT_H
+#define ZR32_SELECT_H
+
+#include "store/store.h"
+#include <zr32path/edit.h>
+
+namespace zr32 {
+
+/* Selects the record and what lies behind it on its join chain, then what lies in front of it; each record's marks
+ * are toggled after its flags are set. */
+void PathSelectJoined(ZRHDC hdc, PATHREC *path, const COORDSTRUCT *view);
+
+/* The same from the head of the join chain onwards. */
+void PathSelectJoinedFromHead(ZRHDC hdc, PATHREC *path, const COORDSTRUCT *view);
+
+/* Links the selected records of the table chain that path belongs to, in table order. The first one's prevSel is
+ * cleared; the last one's nextSel is left as it is, since deselecting has cleared it. */
+void PathRebuildSelected(PATHREC *path);
+
+} // namespace zr32
+
+#endif
