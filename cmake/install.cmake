@@ -22,5 +22,9 @@ write_basic_package_version_file(${CMAKE_BINARY_DIR}/Zr32pathConfigVersion.cmake
 install(FILES ${CMAKE_BINARY_DIR}/Zr32pathConfig.cmake ${CMAKE_BINARY_DIR}/Zr32pathConfigVersion.cmake
         DESTINATION ${package_dir}
 )
+set(pc_libs "-lZr32path")
+if(NOT WIN32)
+    string(APPEND pc_libs " -lzr32port")
+endif()
 configure_file(cmake/zr32path.pc.in ${CMAKE_BINARY_DIR}/zr32path.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/zr32path.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
