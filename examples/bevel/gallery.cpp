@@ -47,8 +47,16 @@ std::vector<FAMILY> Families()
           {"swept, outside", [](OPTIONS *o) { o->side = SIDE_OUTSIDE; }},
           {"swept, both sides", [](OPTIONS *o) { o->side = SIDE_BOTH; }},
           {"exact, mitred, winding", [](OPTIONS *o) { o->builder = BUILD_EXACT; }},
-          {"exact, rounded", [](OPTIONS *o) { o->builder = BUILD_EXACT; o->rounded = true; }},
-          {"exact, even-odd", [](OPTIONS *o) { o->builder = BUILD_EXACT; o->evenOdd = true; }},
+          {"exact, rounded",
+           [](OPTIONS *o) {
+               o->builder = BUILD_EXACT;
+               o->rounded = true;
+           }},
+          {"exact, even-odd",
+           [](OPTIONS *o) {
+               o->builder = BUILD_EXACT;
+               o->evenOdd = true;
+           }},
           {"lone primitive", [](OPTIONS *o) { o->builder = BUILD_PRIMITIVE; }},
           {"envelope", [](OPTIONS *o) { o->builder = BUILD_ENVELOPE; }}}},
         {"materials.png",
@@ -57,11 +65,28 @@ std::vector<FAMILY> Families()
          {{"plastic, one light", none},
           {"plastic, four lights", [](OPTIONS *o) { o->lights = 4; }},
           {"plastic, a spot", [](OPTIONS *o) { o->spot = true; }},
-          {"plastic, three spots", [](OPTIONS *o) { o->lights = 3; o->spot = true; }},
+          {"plastic, three spots",
+           [](OPTIONS *o) {
+               o->lights = 3;
+               o->spot = true;
+           }},
           {"metal, one light", [](OPTIONS *o) { o->metal = true; }},
-          {"metal, four lights", [](OPTIONS *o) { o->metal = true; o->lights = 4; }},
-          {"metal, a spot", [](OPTIONS *o) { o->metal = true; o->spot = true; }},
-          {"metal, two spots", [](OPTIONS *o) { o->metal = true; o->lights = 2; o->spot = true; }}}},
+          {"metal, four lights",
+           [](OPTIONS *o) {
+               o->metal = true;
+               o->lights = 4;
+           }},
+          {"metal, a spot",
+           [](OPTIONS *o) {
+               o->metal = true;
+               o->spot = true;
+           }},
+          {"metal, two spots",
+           [](OPTIONS *o) {
+               o->metal = true;
+               o->lights = 2;
+               o->spot = true;
+           }}}},
         {"maps.png",
          "Bump, reflection, transparency",
          none,
@@ -69,10 +94,27 @@ std::vector<FAMILY> Families()
           {"bump 60 %", [](OPTIONS *o) { o->bump = 60; }},
           {"bump 200 %", [](OPTIONS *o) { o->bump = 200; }},
           {"mirror", [](OPTIONS *o) { o->mirror = true; }},
-          {"mirror, bump 100 %", [](OPTIONS *o) { o->mirror = true; o->bump = 100; }},
-          {"mirror on metal", [](OPTIONS *o) { o->mirror = true; o->metal = true; }},
-          {"glass 70, 10 %", [](OPTIONS *o) { o->face = 70; o->edge = 10; }},
-          {"glass 95, 40 %, four lights", [](OPTIONS *o) { o->face = 95; o->edge = 40; o->lights = 4; }}}},
+          {"mirror, bump 100 %",
+           [](OPTIONS *o) {
+               o->mirror = true;
+               o->bump = 100;
+           }},
+          {"mirror on metal",
+           [](OPTIONS *o) {
+               o->mirror = true;
+               o->metal = true;
+           }},
+          {"glass 70, 10 %",
+           [](OPTIONS *o) {
+               o->face = 70;
+               o->edge = 10;
+           }},
+          {"glass 95, 40 %, four lights",
+           [](OPTIONS *o) {
+               o->face = 95;
+               o->edge = 40;
+               o->lights = 4;
+           }}}},
     };
 }
 
@@ -113,7 +155,8 @@ int RenderTurn(const OPTIONS &options)
     for (int step = 0; done && step < 12; step++) {
         const double turn[3] = {15, step * 30.0, 0};
         PICTURE wire, glass, opaque;
-        done = SpaceWireframe(road, turn, &wire) && SpaceRender(road, turn, 1, &glass) && SpaceRender(road, turn, 0, &opaque);
+        done = SpaceWireframe(road, turn, &wire) && SpaceRender(road, turn, 1, &glass) &&
+               SpaceRender(road, turn, 0, &opaque);
         if (!done) break;
         const PICTURE ground = PictureLandscape(road.width, road.height);
         const std::string degrees = std::to_string(step * 30) + " degrees";

@@ -38,8 +38,8 @@ ZRHDC LetteringOpen(const std::string &family, int height)
     SelectObject(hdc, font);
     char face[256] = "";
     if (!GetTextFaceA(hdc, sizeof face, face) || !SameFamily(face, family)) {
-        fprintf(stderr, "bevel: the font \"%s\" is not installed%s%s%s\n", family.c_str(), face[0] ? " (nearest: \"" : "", face,
-                face[0] ? "\")" : "");
+        fprintf(stderr, "bevel: the font \"%s\" is not installed%s%s%s\n", family.c_str(),
+                face[0] ? " (nearest: \"" : "", face, face[0] ? "\")" : "");
         LetteringClose(hdc);
         return nullptr;
     }

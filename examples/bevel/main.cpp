@@ -39,8 +39,8 @@ bool Solid(const ROAD &road, std::vector<LABELLED> *stages)
     PICTURE wire, solid;
     return SpaceWireframe(road, o.turn, &wire) && Keep(o.out, "6-wireframe.png", "wireframe", wire, stages) &&
            SpaceRender(road, o.turn, o.glass, &solid) &&
-           Keep(o.out, "7-solid.png", o.glass ? "solid of glass" : "solid", PictureOver(solid, PictureLandscape(solid.width, solid.height)),
-                stages);
+           Keep(o.out, "7-solid.png", o.glass ? "solid of glass" : "solid",
+                PictureOver(solid, PictureLandscape(solid.width, solid.height)), stages);
 }
 
 bool Stages(ROAD *road)
@@ -48,12 +48,15 @@ bool Stages(ROAD *road)
     const OPTIONS &o = road->options;
     std::vector<LABELLED> stages;
     PICTURE picture;
-    if (!RoadOutline(road, &picture) || !Keep(o.out, "1-outline.png", "1 outline over the image", picture, &stages)) return false;
+    if (!RoadOutline(road, &picture) || !Keep(o.out, "1-outline.png", "1 outline over the image", picture, &stages))
+        return false;
     if (!RoadMask(road) || !Keep(o.out, "2-mask.png", "2 mask", PictureOfBuffer(road->mask), &stages)) return false;
     if (!RoadSurface(road)) return false;
-    if (!Keep(o.out, "3-distance.png", "3 distance to the outline", PictureOfDistance(road->distance, road->reach), &stages))
+    if (!Keep(o.out, "3-distance.png", "3 distance to the outline", PictureOfDistance(road->distance, road->reach),
+              &stages))
         return false;
-    if (!Keep(o.out, "4-offset.png", "4 direction to the outline", PictureOfOffset(road->offset, road->floatOffsets), &stages))
+    if (!Keep(o.out, "4-offset.png", "4 direction to the outline", PictureOfOffset(road->offset, road->floatOffsets),
+              &stages))
         return false;
     if (!RoadLight(road)) return false;
     const PICTURE lit = PictureWithAlpha(PictureOfBuffer(road->image), PictureOfBuffer(road->mask));

@@ -174,18 +174,18 @@ bool OptionSet(const char *name, const char *argument, OPTIONS *options)
 int OptionsRead(int argc, char **argv, OPTIONS *options)
 {
     static const option known[] = {
-        {"text", required_argument, nullptr, 0},    {"font", required_argument, nullptr, 0},
-        {"size", required_argument, nullptr, 0},    {"width", required_argument, nullptr, 0},
-        {"profile", required_argument, nullptr, 0}, {"invert", no_argument, nullptr, 0},
-        {"scale", required_argument, nullptr, 0},   {"light", required_argument, nullptr, 0},
-        {"builder", required_argument, nullptr, 0}, {"side", required_argument, nullptr, 0},
-        {"even-odd", no_argument, nullptr, 0},      {"rounded", no_argument, nullptr, 0},
+        {"text", required_argument, nullptr, 0},     {"font", required_argument, nullptr, 0},
+        {"size", required_argument, nullptr, 0},     {"width", required_argument, nullptr, 0},
+        {"profile", required_argument, nullptr, 0},  {"invert", no_argument, nullptr, 0},
+        {"scale", required_argument, nullptr, 0},    {"light", required_argument, nullptr, 0},
+        {"builder", required_argument, nullptr, 0},  {"side", required_argument, nullptr, 0},
+        {"even-odd", no_argument, nullptr, 0},       {"rounded", no_argument, nullptr, 0},
         {"material", required_argument, nullptr, 0}, {"lights", required_argument, nullptr, 0},
-        {"spot", no_argument, nullptr, 0},          {"bump", required_argument, nullptr, 0},
-        {"mirror", no_argument, nullptr, 0},        {"glass", required_argument, nullptr, 0},
-        {"turn", required_argument, nullptr, 0},    {"opaque", no_argument, nullptr, 0},
-        {"gallery", no_argument, nullptr, 0},       {"out", required_argument, nullptr, 0},
-        {"help", no_argument, nullptr, 'h'},        {nullptr, 0, nullptr, 0},
+        {"spot", no_argument, nullptr, 0},           {"bump", required_argument, nullptr, 0},
+        {"mirror", no_argument, nullptr, 0},         {"glass", required_argument, nullptr, 0},
+        {"turn", required_argument, nullptr, 0},     {"opaque", no_argument, nullptr, 0},
+        {"gallery", no_argument, nullptr, 0},        {"out", required_argument, nullptr, 0},
+        {"help", no_argument, nullptr, 'h'},         {nullptr, 0, nullptr, 0},
     };
     for (;;) {
         int index = 0;

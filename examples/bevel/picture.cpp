@@ -18,8 +18,9 @@ namespace {
 
 uint8_t *At(PICTURE *picture, int x, int y)
 {
-    return picture->bytes.data() + (static_cast<size_t>(y) * static_cast<size_t>(picture->width) + static_cast<size_t>(x)) *
-                                       static_cast<size_t>(picture->channels);
+    return picture->bytes.data() +
+           (static_cast<size_t>(y) * static_cast<size_t>(picture->width) + static_cast<size_t>(x)) *
+               static_cast<size_t>(picture->channels);
 }
 
 const uint8_t *At(const PICTURE &picture, int x, int y)
@@ -105,14 +106,16 @@ double BoxMean(const PICTURE &picture, double left, double top, double right, do
 /* Draws a picture of any channels into a box of a sheet. */
 void Fit(PICTURE *sheet, const PICTURE &source, int left, int top, int width, int height)
 {
-    const PICTURE &opaque = source.channels == 4 ? PictureOver(source, PictureChessboard(source.width, source.height)) : source;
+    const PICTURE &opaque =
+        source.channels == 4 ? PictureOver(source, PictureChessboard(source.width, source.height)) : source;
     for (int y = 0; y < height; y++) {
         for (int x = 0; x < width; x++) {
             const double sx = static_cast<double>(opaque.width) / width;
             const double sy = static_cast<double>(opaque.height) / height;
             for (int c = 0; c < 3; c++)
                 At(sheet, left + x, top + y)[c] =
-                    Byte(BoxMean(opaque, x * sx, y * sy, (x + 1) * sx, (y + 1) * sy, std::min(c, opaque.channels - 1)) + 0.5);
+                    Byte(BoxMean(opaque, x * sx, y * sy, (x + 1) * sx, (y + 1) * sy, std::min(c, opaque.channels - 1)) +
+                         0.5);
         }
     }
 }
@@ -178,13 +181,15 @@ PICTURE PictureOfDistance(PATHBUF plane, double reach)
     for (int y = 0; y < height; y++) {
         for (int x = 0; x < width; x++) {
             float value;
-            memcpy(&value, plane + (static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)) * 4, 4);
+            memcpy(&value, plane + (static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)) * 4,
+                   4);
             if (value == 0) continue;
             const double t = std::min(1.0, std::sqrt(std::fabs(static_cast<double>(value))) / std::max(reach, 1.0));
             if (value < 0)
                 Put(&picture, x, y, Mix({30, 40, 90}, {120, 170, 255}, t));
             else
-                Put(&picture, x, y, t < 0.5 ? Mix({60, 0, 30}, {230, 80, 20}, t * 2) : Mix({230, 80, 20}, {255, 250, 190}, t * 2 - 1));
+                Put(&picture, x, y,
+                    t < 0.5 ? Mix({60, 0, 30}, {230, 80, 20}, t * 2) : Mix({230, 80, 20}, {255, 250, 190}, t * 2 - 1));
         }
     }
     return picture;
@@ -197,7 +202,8 @@ PICTURE PictureOfOffset(PATHBUF plane, bool floats)
     PICTURE picture = PictureMake(width, height, 3);
     for (int y = 0; y < height; y++) {
         for (int x = 0; x < width; x++) {
-            const uint8_t *pixel = plane + (static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)) * 8;
+            const uint8_t *pixel =
+                plane + (static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)) * 8;
             double vx, vy;
             bool ridge = false;
             if (floats) {
@@ -262,7 +268,8 @@ PICTURE PictureSheet(const std::string &title, const std::vector<LABELLED> &pict
         cellHeight = std::max(cellHeight, cellWidth * entry.picture.height / std::max(1, entry.picture.width));
     const int rows = (static_cast<int>(pictures.size()) + columns - 1) / columns;
     const int titleHeight = 56;
-    PICTURE sheet = PictureMake(gap + columns * (cellWidth + gap), titleHeight + rows * (cellHeight + labelHeight + gap), 3);
+    PICTURE sheet =
+        PictureMake(gap + columns * (cellWidth + gap), titleHeight + rows * (cellHeight + labelHeight + gap), 3);
     std::fill(sheet.bytes.begin(), sheet.bytes.end(), uint8_t{244});
     Write(&sheet, title, gap, 10, 32);
     for (size_t i = 0; i < pictures.size(); i++) {
@@ -270,7 +277,8 @@ PICTURE PictureSheet(const std::string &title, const std::vector<LABELLED> &pict
         const int top = titleHeight + static_cast<int>(i) / columns * (cellHeight + labelHeight + gap);
         const PICTURE &picture = pictures[i].picture;
         Write(&sheet, pictures[i].label, left, top, 20);
-        Fit(&sheet, picture, left, top + labelHeight, cellWidth, cellWidth * picture.height / std::max(1, picture.width));
+        Fit(&sheet, picture, left, top + labelHeight, cellWidth,
+            cellWidth * picture.height / std::max(1, picture.width));
     }
     return sheet;
 }

@@ -83,7 +83,8 @@ PATHBUF SolidColour(int width, int height, bool metal)
     PATHBUF image = ZrPathBufAlloc(24, width, height);
     if (!image) return nullptr;
     const uint8_t colour[2][3] = {{214, 92, 44}, {168, 150, 120}};
-    for (size_t i = 0; i < static_cast<size_t>(width) * static_cast<size_t>(height); i++) memcpy(image + i * 3, colour[metal], 3);
+    for (size_t i = 0; i < static_cast<size_t>(width) * static_cast<size_t>(height); i++)
+        memcpy(image + i * 3, colour[metal], 3);
     return image;
 }
 
@@ -115,23 +116,25 @@ int Shade(ROAD *road)
         const int32_t level[4] = {70, 70, 70, 70};
         ZrPathAdjMetallicIllum(shininess, level, o.lights, 60);
         if (o.lights > 1)
-            return ZrPathShadeMultiMetallic(road->image, road->reach, o.profile, o.invert, o.scale, floats, road->distance,
-                                            road->offset, 0, road->mask, nullptr, o.lights, lighting.spotOn, lighting.spotPos,
-                                            lighting.directions, 0x60C8FF, nullptr, 0, o.bump, road->bumpMap);
-        return ZrPathShadeMetallic(road->image, road->reach, o.profile, o.invert, o.scale, floats, road->distance, road->offset, 0,
-                                   road->mask, nullptr, o.spot, 35, 35, o.light[0], o.light[1], o.light[2], 0x60C8FF, nullptr, 0,
-                                   o.bump, road->bumpMap);
+            return ZrPathShadeMultiMetallic(road->image, road->reach, o.profile, o.invert, o.scale, floats,
+                                            road->distance, road->offset, 0, road->mask, nullptr, o.lights,
+                                            lighting.spotOn, lighting.spotPos, lighting.directions, 0x60C8FF, nullptr,
+                                            0, o.bump, road->bumpMap);
+        return ZrPathShadeMetallic(road->image, road->reach, o.profile, o.invert, o.scale, floats, road->distance,
+                                   road->offset, 0, road->mask, nullptr, o.spot, 35, 35, o.light[0], o.light[1],
+                                   o.light[2], 0x60C8FF, nullptr, 0, o.bump, road->bumpMap);
     }
     const int32_t shininess[4] = {24, 24, 24, 24};
     const int32_t percent[4] = {60, 60, 60, 60};
     const uint32_t colours[4] = {0xFFFFFF, 0x8080FF, 0xFFC080, 0x80FFB0};
     ZrPathAdjPhongIllum(shininess, percent, 0x404040, colours, o.lights, 25);
     if (o.lights > 1)
-        return ZrPathShadeMultiPhong(road->image, road->reach, o.profile, o.invert, o.scale, floats, road->distance, road->offset, 0,
-                                     road->mask, nullptr, o.lights, lighting.spotOn, lighting.spotPos, lighting.directions, 0, 0,
-                                     o.bump, road->bumpMap);
-    return ZrPathShadePhong(road->image, road->reach, o.profile, o.invert, o.scale, floats, road->distance, road->offset, 0,
-                            road->mask, nullptr, o.spot, 35, 35, o.light[0], o.light[1], o.light[2], 0, 0, o.bump, road->bumpMap);
+        return ZrPathShadeMultiPhong(road->image, road->reach, o.profile, o.invert, o.scale, floats, road->distance,
+                                     road->offset, 0, road->mask, nullptr, o.lights, lighting.spotOn, lighting.spotPos,
+                                     lighting.directions, 0, 0, o.bump, road->bumpMap);
+    return ZrPathShadePhong(road->image, road->reach, o.profile, o.invert, o.scale, floats, road->distance,
+                            road->offset, 0, road->mask, nullptr, o.spot, 35, 35, o.light[0], o.light[1], o.light[2], 0,
+                            0, o.bump, road->bumpMap);
 }
 
 int SameChain(const PATHREC *a, const PATHREC *b)
@@ -176,7 +179,8 @@ int RoadOutline(ROAD *road, PICTURE *picture)
 {
     ZrPathCoordStruct(0, 0, road->width, road->height, 0, 0, 1, nullptr, &road->view);
     struct tagRECT dirty;
-    if (!road->view || !ZrPathAddPathGroup(&road->table, road->path, "text", road->view, &dirty)) return Fail("out of memory");
+    if (!road->view || !ZrPathAddPathGroup(&road->table, road->path, "text", road->view, &dirty))
+        return Fail("out of memory");
     *picture = PictureLandscape(road->width, road->height);
     ZrPathPaintMem(0, 0, road->width, road->height, road->table, picture->bytes.data());
     return 1;
@@ -206,8 +210,8 @@ int RoadSurface(ROAD *road)
     VMAPPROGRESS progress = {0, road->quiet ? nullptr : Progress, 0, 0, 100};
     road->distance = road->offset = reinterpret_cast<PATHBUF>(1); /* asks for both planes */
     road->reach = o.width;
-    if (!ZrPathVMap(road->path, &road->distance, &road->offset, o.evenOdd, 0, o.builder == BUILD_ENVELOPE, outset, o.rounded,
-                    &road->reach, 0, swept, swept ? road->mask : nullptr, &progress, one)) {
+    if (!ZrPathVMap(road->path, &road->distance, &road->offset, o.evenOdd, 0, o.builder == BUILD_ENVELOPE, outset,
+                    o.rounded, &road->reach, 0, swept, swept ? road->mask : nullptr, &progress, one)) {
         road->distance = road->offset = nullptr;
         return Fail("the surface could not be made");
     }
@@ -226,14 +230,14 @@ int RoadLight(ROAD *road)
     if (o.bump) {
         PATHBUF source = EnvironmentGrey(512, 256);
         road->bumpMap = ZrPathBufAlloc(8, width, height);
-        ZrPathBumpIt(o.profile, road->reach, road->offset, road->bumpMap, o.invert, o.scale, road->floatOffsets, source, 0,
-                     road->mask, nullptr);
+        ZrPathBumpIt(o.profile, road->reach, road->offset, road->bumpMap, o.invert, o.scale, road->floatOffsets, source,
+                     0, road->mask, nullptr);
         ZrPathBufFree(source);
     }
     if (o.mirror) {
         PATHBUF source = EnvironmentColour(512, 256);
-        ZrPathReflectIt(o.profile, road->reach, road->offset, road->image, o.invert, o.scale, road->floatOffsets, source, 0,
-                        road->mask, nullptr, o.bump, road->bumpMap);
+        ZrPathReflectIt(o.profile, road->reach, road->offset, road->image, o.invert, o.scale, road->floatOffsets,
+                        source, 0, road->mask, nullptr, o.bump, road->bumpMap);
         ZrPathBufFree(source);
     }
     if (!Shade(road)) return Fail("the image could not be lit");
@@ -290,8 +294,11 @@ PICTURE RoadOverLandscape(const ROAD &road, const PICTURE &front)
         for (int x = 0; x < front.width; x++) {
             const int column = x + road.maskRect.left;
             if (column < 0 || column >= placed.width) continue;
-            memcpy(&placed.bytes[(static_cast<size_t>(row) * static_cast<size_t>(placed.width) + static_cast<size_t>(column)) * 4],
-                   &front.bytes[(static_cast<size_t>(y) * static_cast<size_t>(front.width) + static_cast<size_t>(x)) * 4], 4);
+            memcpy(
+                &placed.bytes
+                     [(static_cast<size_t>(row) * static_cast<size_t>(placed.width) + static_cast<size_t>(column)) * 4],
+                &front.bytes[(static_cast<size_t>(y) * static_cast<size_t>(front.width) + static_cast<size_t>(x)) * 4],
+                4);
         }
     }
     return PictureOver(placed, back);

@@ -1,7 +1,7 @@
 /* road.h - the road of one bevelled text: paths, group, outline, mask, surface, light, stream.
  *
- * Order of calls: RoadPaths; RoadOutline; RoadMask; RoadSurface; RoadLight; RoadStream; RoadFree. Each gives 1, or 0 with
- * a message on the error stream; RoadFree is always legal.
+ * Order of calls: RoadPaths; RoadOutline; RoadMask; RoadSurface; RoadLight; RoadStream; RoadFree. Each gives 1, or 0
+ * with a message on the error stream; RoadFree is always legal.
  */
 #ifndef BEVEL_ROAD_H
 #define BEVEL_ROAD_H
@@ -24,7 +24,7 @@ struct ROAD {
     PATHBUF image = nullptr;    /* 24 bits, of the mask's size: the lit colour */
     PATHBUF bumpMap = nullptr;
     bool floatOffsets = false;
-    double reach = 0; /* width of the bevel as the surface was made */
+    double reach = 0;   /* width of the bevel as the surface was made */
     bool quiet = false; /* no progress bar */
     struct tagRECT maskRect = {0, 0, 0, 0};
 };

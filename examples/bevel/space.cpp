@@ -65,7 +65,8 @@ int SpaceWireframe(const ROAD &road, const double *turn, PICTURE *picture)
     COORDSTRUCT *view = nullptr;
     ZrPathCoordStruct(0, 0, road.width, road.height, 0, 0, 1, nullptr, &view);
     POINTFXMAT3D camera = Camera(road, turn);
-    ZrPath3DWireFrame(hdc, road.path, road.width / 2, road.height / 2, view, &camera, 2 * static_cast<int32_t>(road.reach));
+    ZrPath3DWireFrame(hdc, road.path, road.width / 2, road.height / 2, view, &camera,
+                      2 * static_cast<int32_t>(road.reach));
     ZrPathDeleteCoordStruct(view);
 
     *picture = PictureMake(road.width, road.height, 3);
@@ -98,9 +99,9 @@ int SpaceRender(const ROAD &road, const double *turn, int glass, PICTURE *pictur
     const uint32_t material = 0x2C5CD6; /* blue, green, red from the low byte up */
     const OPTIONS &o = road.options;
     const int rendered = colour && alpha &&
-                         ZrPathABufRender(road.path, &camera, colour, alpha, 0, &outOrigin, &maskOrigin, &material, bufs[0],
-                                          road.offset, 0, 0, 0, 0, 0, 0, 0, glass, 0, static_cast<int32_t>(road.reach),
-                                          o.scale, o.profile, o.invert, o.light, 0);
+                         ZrPathABufRender(road.path, &camera, colour, alpha, 0, &outOrigin, &maskOrigin, &material,
+                                          bufs[0], road.offset, 0, 0, 0, 0, 0, 0, 0, glass, 0,
+                                          static_cast<int32_t>(road.reach), o.scale, o.profile, o.invert, o.light, 0);
     if (rendered) {
         *picture = PictureWithAlpha(PictureOfBuffer(colour), PictureOfBuffer(alpha));
         for (size_t i = 0; i < picture->bytes.size(); i += 4) std::swap(picture->bytes[i], picture->bytes[i + 2]);
