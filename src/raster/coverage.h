@@ -1,0 +1,32 @@
+/* coverage.h - the two output stages of the scan converter: rows of crossings become mask pixels. */
+#ifndef ZR32_COVERAGE_H
+#define ZR32_COVERAGE_H
+
+#include "raster/edgetable.h"
+
+namespace zr32 {
+
+/* Columns at the left edge whose sums are formed in the order of the spans. From there on crossings are multiples of
+ * 2^-49, and 16 sample rows add to at most 16: every sum is exact in a double, so any order gives the same bits. */
+constexpr int32_t nearColumns = 8;
+
+/* Coverage of one pixel row, in sample rows. */
+struct ROWCOVER {
+    double near[nearColumns]; /* coverage of the first columns */
+    double *change;           /* of the others: what a column has more than the one before it; width + 2 */
+    uint64_t *touched;        /* a bit for each column whose change was written */
+    int32_t width;
+};
+
+int RowCoverAlloc(int32_t width, ROWCOVER *cover);
+void RowCoverFree(ROWCOVER *cover);
+
+/* Writes the pixel rows of a sorted plain table into an 8-bit buffer. hard: 255 or 0 by a threshold. */
+void BandToMask8(const EDGETABLE *table, PATHBUF buf, int evenOdd, int hard, ROWCOVER *cover);
+
+/* The same for a 32-bit buffer and a table of 4 sample rows a pixel. */
+void BandToMask32(const EDGETABLE *table, PATHBUF buf, int evenOdd);
+
+} // namespace zr32
+
+#endif
