@@ -1,7 +1,7 @@
 /* port_font.h - fonts by family name, and their glyphs as outlines of lines and quadratics.
  *
- * fontconfig finds a family's file, FreeType reads it. Outlines are unhinted, scaled in doubles and cut to 16.16; y
- * runs upward from the base line. In a build without FreeType every call here fails.
+ * fontconfig finds a family's file, FreeType reads it. Outlines are unhinted, scaled in doubles and rounded to 16.16;
+ * y runs upward from the base line. In a build without FreeType every call here fails.
  */
 #ifndef ZR32PORT_FONT_H
 #define ZR32PORT_FONT_H
