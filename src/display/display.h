@@ -24,7 +24,7 @@ enum OUTLINEMODE {
 /* A view's display buffer, ready for stepping. */
 struct DISPLAYPLANE {
     uint8_t *pixels;
-    size_t size; /* bytes of the block as its allocator tells them: no index at or beyond it is touched */
+    int64_t size; /* bytes of the block as its allocator tells them: no index at or beyond it is touched */
     int32_t stride;
     int32_t height;
     RECT clip; /* the view's rectangle moved to the origin */
@@ -57,8 +57,12 @@ void DirtyToWindow(const COORDSTRUCT *view, RECT *dirty);
  * moved; an empty one stays (0, 0, 0, 0). */
 void DirtyToWindowClipped(const COORDSTRUCT *view, RECT *dirty);
 
-/* The scale of a view as marks and outlines take it, and the place of a view's points on the caller's window. */
+/* Where the points of a view lie on the caller's window. */
 PLACEMENT PlaceOnWindow(const COORDSTRUCT *view);
+
+/* 1 when the record's last anchor is selected, which in a closed record is where its first segment begins: the last
+ * node carries the bit, or the first node of the curve that it ends. The record has a node. */
+int PathEndSelected(const PATHREC *path);
 
 } // namespace zr32
 

@@ -106,6 +106,11 @@ inline uint32_t NodeKind(const PATHNODE *node)
     return node->type & PATHNODE_KINDMASK;
 }
 
+inline int NodeSelected(const PATHNODE *node)
+{
+    return (node->type & PATHNODE_SELECTED) != 0;
+}
+
 /* Nodes that a kind (type under PATHNODE_KINDMASK) takes up: 1, 2 or 3; 0 for a kind that no walker steps past, which
  * ends the walk of a record. */
 constexpr uint32_t NodeStep(uint32_t kind)

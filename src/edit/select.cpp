@@ -1,0 +1,94 @@
+/* select.cpp - selecting and deselecting records, see select.h.
+ *
+ * Marks on the device context are toggled while flags and node bits still stand as they did when the marks were
+ * drawn, so that XOR takes off what it put on.
+ */
+#include "edit/select.h"
+
+#include <zr32path/display.h>
+
+namespace zr32 {
+
+namespace {
+
+void SelectOne(ZRHDC hdc, PATHREC *path, const COORDSTRUCT *view)
+{
+    path->flags = PATHREC_SELECTED;
+    ZrPathDrawNodes(hdc, path, view);
+}
+
+void DeselectOne(ZRHDC hdc, PATHREC *path, const COORDSTRUCT *view, int draw)
+{
+    if (!PathIsSelected(path)) return;
+    if (draw) ZrPathDrawNodes(hdc, path, view);
+    if (PathInNodeEdit(path)) ZrPathDeselectPts(path);
+    path->flags = 0;
+    path->prevSel = nullptr;
+    path->nextSel = nullptr;
+}
+
+} // namespace
+
+void PathSelectJoined(ZRHDC hdc, PATHREC *path, const COORDSTRUCT *view)
+{
+    if (!path) return;
+    for (PATHREC *record = path; record; record = record->nextJoin) SelectOne(hdc, record, view);
+    for (PATHREC *record = path->prevJoin; record; record = record->prevJoin) SelectOne(hdc, record, view);
+}
+
+void PathSelectJoinedFromHead(ZRHDC hdc, PATHREC *path, const COORDSTRUCT *view)
+{
+    PathSelectJoined(hdc, ChainFirst(joinChain, path), view);
+}
+
+void PathRebuildSelected(PATHREC *path)
+{
+    PATHREC *last = nullptr;
+    for (PATHREC *record = PathChainFirst(path); record; record = record->nextPath) {
+        if (!PathIsSelected(record)) continue;
+        if (last)
+            ChainLink(selectedChain, last, record);
+        else
+            record->prevSel = nullptr;
+        last = record;
+    }
+}
+
+extern "C" {
+
+void ZrPathDeSelectAll(ZRHDC hdc, PATHREC *path, const COORDSTRUCT *view, int32_t draw)
+{
+    if (!path) return;
+    for (PATHREC *record = path; record; record = record->nextPath) DeselectOne(hdc, record, view, draw);
+    for (PATHREC *record = path->prevPath; record; record = record->prevPath) DeselectOne(hdc, record, view, draw);
+}
+
+int32_t ZrPathDeselectPts(PATHREC *path)
+{
+    if (!path || !PathInNodeEdit(path)) return 0;
+    path->flags = PATHREC_SELECTED;
+    SEGWALK walk;
+    SEGMENT segment;
+    for (SegWalkStart(path, placeImage, &walk); SegWalkNext(&walk, &segment);) {
+        if (segment.kind >= PATHNODE_ELLIPSE) continue; /* shapes carry no marks */
+        for (uint32_t i = segment.index; i < segment.next; i++)
+            path->nodes[i].type &= static_cast<uint16_t>(~PATHNODE_SELECTED);
+    }
+    return 1;
+}
+
+int32_t ZrPathAllPathSelected(PATHREC *path)
+{
+    if (!path) return 0;
+    PATHREC *record = PathChainFirst(path);
+    for (record->prevSel = nullptr; record; record = record->nextPath) {
+        record->flags = PATHREC_SELECTED;
+        record->nextSel = nullptr;
+        if (record->nextPath) ChainLink(selectedChain, record, record->nextPath);
+    }
+    return 1;
+}
+
+} // extern "C"
+
+} // namespace zr32
