@@ -17,7 +17,9 @@ void SelectOne(ZRHDC hdc, PATHREC *path, const COORDSTRUCT *view)
     ZrPathDrawNodes(hdc, path, view);
 }
 
-void DeselectOne(ZRHDC hdc, PATHREC *path, const COORDSTRUCT *view, int draw)
+} // namespace
+
+void PathDeselect(ZRHDC hdc, PATHREC *path, const COORDSTRUCT *view, int draw)
 {
     if (!PathIsSelected(path)) return;
     if (draw) ZrPathDrawNodes(hdc, path, view);
@@ -26,8 +28,6 @@ void DeselectOne(ZRHDC hdc, PATHREC *path, const COORDSTRUCT *view, int draw)
     path->prevSel = nullptr;
     path->nextSel = nullptr;
 }
-
-} // namespace
 
 void PathSelectJoined(ZRHDC hdc, PATHREC *path, const COORDSTRUCT *view)
 {
@@ -59,8 +59,8 @@ extern "C" {
 void ZrPathDeSelectAll(ZRHDC hdc, PATHREC *path, const COORDSTRUCT *view, int32_t draw)
 {
     if (!path) return;
-    for (PATHREC *record = path; record; record = record->nextPath) DeselectOne(hdc, record, view, draw);
-    for (PATHREC *record = path->prevPath; record; record = record->prevPath) DeselectOne(hdc, record, view, draw);
+    for (PATHREC *record = path; record; record = record->nextPath) PathDeselect(hdc, record, view, draw);
+    for (PATHREC *record = path->prevPath; record; record = record->prevPath) PathDeselect(hdc, record, view, draw);
 }
 
 int32_t ZrPathDeselectPts(PATHREC *path)

@@ -18,6 +18,11 @@ void PathSelectJoined(ZRHDC hdc, PATHREC *path, const COORDSTRUCT *view);
 /* The same from the head of the join chain onwards. */
 void PathSelectJoinedFromHead(ZRHDC hdc, PATHREC *path, const COORDSTRUCT *view);
 
+/* Deselects one record: marks off when draw is not 0, selected bits of its nodes, flags and its links of the selected
+ * chain cleared. Neighbours on that chain keep their links: whoever deselects some records of a chain mends it. An
+ * unselected record stays as it is. */
+void PathDeselect(ZRHDC hdc, PATHREC *path, const COORDSTRUCT *view, int draw);
+
 /* Links the selected records of the table chain that path belongs to, in table order. The first one's prevSel is
  * cleared; the last one's nextSel is left as it is, since deselecting has cleared it. */
 void PathRebuildSelected(PATHREC *path);
