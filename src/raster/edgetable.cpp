@@ -90,9 +90,9 @@ void DealEntries(EDGETABLE *table, uint32_t *next)
         EDGEENTRY *first = table->entries + table->rowStart[row];
         EDGEENTRY *end = table->entries + next[row];
         std::sort(first, end, [](const EDGEENTRY &a, const EDGEENTRY &b) {
-            const uint64_t keyA = SortKey(a.crossing);
-            const uint64_t keyB = SortKey(b.crossing);
-            return keyA != keyB ? keyA < keyB : a.spanFlag < b.spanFlag;
+            const uint64_t sizeA = SortKey(a.crossing) >> 1;
+            const uint64_t sizeB = SortKey(b.crossing) >> 1;
+            return sizeA != sizeB ? sizeA < sizeB : a.spanFlag < b.spanFlag;
         });
         for (EDGEENTRY *entry = first; entry < end; entry++) entry->spanFlag = 0;
         *end = {0.0, nullptr, 0};

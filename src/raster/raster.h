@@ -85,8 +85,9 @@ int EdgeTableAlloc(EDGEMODE mode, int32_t top, int32_t bottom, int32_t rowsPerPi
  */
 int PathAddEdges(PATHREC *path, double zoom, int32_t left, int32_t originTop, EDGETABLE *table);
 
-/* Puts the crossings into their rows, each in order of magnitude; of equal ones the positive first, then in the order
- * in which they came. Rows can be read from now on, and nothing more can be added. 1; 0 without memory or a table. */
+/* Puts the crossings into their rows, each in order of magnitude. Of equal ones the positive come first in a plain
+ * table; with nodes they keep the order in which they were added, which decides what the exact surface sees at a
+ * corner. Rows can be read from now on, and nothing more can be added. 1; 0 without memory or a table. */
 int EdgeTableSort(EDGETABLE *table);
 
 /* How many sample rows the table has. */
