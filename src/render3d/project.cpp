@@ -3,7 +3,7 @@
  * Everybody takes the eye from SpaceFromTransform, so the preview, the projected path and the rendered solid agree.
  */
 #include "render3d/space.h"
-#include "store/store.h"
+#include "store/nodes.h"
 
 #include <cmath>
 
@@ -65,18 +65,11 @@ void ZrPathTo3D(PATHREC *path, const POINTFXMAT3D *transform)
     SpaceFromTransform(transform, &space);
     for (PATHREC *record = PathChainFirst(path); record; record = record->nextJoin) {
         record->primitive = 0;
-        SEGWALK walk;
-        SEGMENT segment;
-        for (SegWalkStart(record, placeImage, &walk); SegWalkNext(&walk, &segment);) {
-            if (segment.kind != PATHNODE_START && segment.kind != PATHNODE_LINE && segment.kind != PATHNODE_CURVE)
-                continue; /* a shape's own nodes stay */
-            for (uint32_t i = segment.index; i < segment.next; i++) {
-                PATHNODE *node = &record->nodes[i];
-                const POINTDB at = SpaceProject(&space, FixToDouble(node->x), FixToDouble(node->y), 0);
-                node->x = DoubleToFix(at.x);
-                node->y = DoubleToFix(at.y);
-            }
-        }
+        ForEachPoint(record, [&space](PATHNODE *node) {
+            const POINTDB at = SpaceProject(&space, FixToDouble(node->x), FixToDouble(node->y), 0);
+            node->x = DoubleToFix(at.x);
+            node->y = DoubleToFix(at.y);
+        });
     }
 }
 

@@ -8,7 +8,7 @@
  */
 #include "platform/platform.h"
 #include "render3d/space.h"
-#include "store/store.h"
+#include "store/nodes.h"
 
 #include <algorithm>
 
@@ -173,18 +173,8 @@ void ZrPathGet3DMiniMaxRect(const PATHREC *path, const POINTFXMAT3D *transform, 
     box.top = box.bottom = TruncInt(at.y);
 
     for (const PATHREC *record = head; record; record = record->nextJoin) {
-        SEGWALK walk;
-        SEGMENT segment;
-        for (SegWalkStart(record, placeImage, &walk); SegWalkNext(&walk, &segment);) {
-            switch (segment.kind) {
-            case PATHNODE_START: WidenByNode(&space, segment.p[0], front, back, &box); break;
-            case PATHNODE_LINE: WidenByNode(&space, segment.p[1], front, back, &box); break;
-            case PATHNODE_CURVE:
-                for (int i = 1; i < 4; i++) WidenByNode(&space, segment.p[i], front, back, &box);
-                break;
-            default: break; /* shapes count nothing */
-            }
-        }
+        ForEachPoint(
+            record, [&](const PATHNODE *node) { WidenByNode(&space, PlaceNode(placeImage, node), front, back, &box); });
     }
     box.left = WrapSub(box.left, 5);
     box.top = WrapSub(box.top, 5);
