@@ -195,24 +195,30 @@ ZRPATHAPI PATHTBL **AddPathTest(PATHTBL **table, const COORDSTRUCT *view, struct
 
 /* Parameters of ZrPathCreateText. */
 typedef struct TEXTPARAM {
-    int32_t reserved0;
-    int32_t slant;     /* not 0: shears glyphs by 0.3; set to 0 when the font is italic already */
+    int32_t reserved0; /* not read */
+    int32_t slant;     /* not 0: shears glyphs by 0.3, but single bytes of a font only in a symbol, Shift-JIS, Big5 or
+                          Hangul set; set to 0 when the font is italic already */
     int32_t underline; /* not 0: adds a bar */
-    int32_t strikeout;
-    int32_t maskArg1; /* aaMode of ZrPathToBuf's scope slot: see there */
-    int32_t vertical; /* not 0: lines run downward and stack from right to left */
-    int32_t maskArg2;
-    int32_t reserved7;
-    int32_t align;  /* 1001: far side, 1002: centred, else near side */
-    int32_t output; /* 1021: paths only */
+    int32_t strikeout; /* not 0: adds a bar; measured with the underline in place */
+    int32_t maskArg1;  /* scope of ZrPathToBuf: 0 for a filled mask */
+    int32_t vertical;  /* not 0: lines run downward and stack from right to left */
+    int32_t maskArg2;  /* aaMode of ZrPathToBuf: 0 for a hard edge */
+    int32_t reserved7; /* not read */
+    int32_t align;     /* 1001: far side, 1002: centred, else near side */
+    int32_t output;    /* 1021: paths only, no mask */
 } TEXTPARAM;
 
 /* Turns text in the device context's font into one join chain of paths, and that into a mask.
- *   text  changed in place: control bytes other than CR and LF become blanks
- *   path  gets the head of the chain, or null
- *   rect  gets the mask's place
+ *   text   bytes in the current code page, changed in place: control bytes other than CR and LF become blanks. Any
+ *          CR or LF ends a line and takes the byte behind it along. A line is cut at 54 bytes; lines behind the
+ *          2047th are left out
+ *   param  slant may be changed
+ *   path   gets the head of the chain, which the caller owns; null when there is none. The base line of the first
+ *          line lies at y 0, its pen starts at x 0; vertical text moves the pen downward
+ *   rect   gets the mask's place in image pixels; untouched without a mask
  * Returns the mask, which the caller frees with ZrPathBufFree; null with output 1021, without a line of text, without
- * a contour or without memory. */
+ * a contour, without memory, and for a null argument. A line whose glyphs cannot be had, as in a null device context,
+ * counts as empty. Without memory for the mask the paths are delivered all the same. */
 ZRPATHAPI PATHBUF ZrPathCreateText(ZRHDC hdc, char *text, TEXTPARAM *param, PATHREC **path, struct tagRECT *rect);
 
 /* The pen tool: takes the messages of the drawing window (513 down, 514 up, 515 double-click, 512 move, 256 and 257

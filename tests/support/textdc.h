@@ -1,0 +1,34 @@
+/* textdc.h - a device context with a font, for tests of text. */
+#ifndef ZR32_TESTS_TEXTDC_H
+#define ZR32_TESTS_TEXTDC_H
+
+#include "platform/platform.h"
+
+namespace zr32test {
+
+struct TEXTDC {
+    HDC dc;
+    HFONT font;
+    HGDIOBJ oldFont;
+};
+
+/* Height as CreateFontA takes it: above 0 the cell's, below 0 the em square's. */
+inline TEXTDC TextDcMake(const char *family, int height, DWORD italic = 0, DWORD charSet = ANSI_CHARSET)
+{
+    TEXTDC text = {CreateCompatibleDC(nullptr), nullptr, nullptr};
+    text.font = CreateFontA(height, 0, 0, 0, FW_NORMAL, italic, 0, 0, charSet, OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS,
+                            DEFAULT_QUALITY, DEFAULT_PITCH | FF_DONTCARE, family);
+    text.oldFont = SelectObject(text.dc, text.font);
+    return text;
+}
+
+inline void TextDcFree(TEXTDC *text)
+{
+    SelectObject(text->dc, text->oldFont);
+    DeleteObject(text->font);
+    DeleteDC(text->dc);
+}
+
+} // namespace zr32test
+
+#endif
