@@ -40,20 +40,38 @@ FT_Library Library()
     return library;
 }
 
+FcConfig *config;
+
+void FreeConfig()
+{
+    FcConfigDestroy(config);
+    config = nullptr;
+}
+
+/* The fonts that are installed, and those that FontFaceAddFile adds: a configuration of the port's own, so that a host
+ * that uses fontconfig too is not disturbed. Given back at the end of the process. */
+FcConfig *Config()
+{
+    if (config) return config;
+    config = FcInitLoadConfigAndFonts();
+    if (config) atexit(FreeConfig);
+    return config;
+}
+
 /* The pattern of the font that fontconfig takes for the family; null when there is none. */
 FcPattern *Match(const char *family, int weight, int italic)
 {
-    FcPattern *wanted = FcInit() ? FcPatternCreate() : nullptr;
+    FcPattern *wanted = Config() ? FcPatternCreate() : nullptr;
     if (!wanted) return nullptr;
     FcPatternAddString(wanted, FC_FAMILY, reinterpret_cast<const FcChar8 *>(family));
     FcPatternAddInteger(wanted, FC_WEIGHT, FcWeightFromOpenType(weight));
     FcPatternAddInteger(wanted, FC_SLANT, italic ? FC_SLANT_ITALIC : FC_SLANT_ROMAN);
     FcPatternAddBool(wanted, FC_OUTLINE, FcTrue);
     FcPatternAddBool(wanted, FC_SCALABLE, FcTrue);
-    FcConfigSubstitute(nullptr, wanted, FcMatchPattern);
+    FcConfigSubstitute(Config(), wanted, FcMatchPattern);
     FcDefaultSubstitute(wanted);
     FcResult result;
-    FcPattern *found = FcFontMatch(nullptr, wanted, &result);
+    FcPattern *found = FcFontMatch(Config(), wanted, &result);
     FcPatternDestroy(wanted);
     return found;
 }
@@ -196,7 +214,7 @@ int FontFaceGlyph(FONTFACE *face, uint32_t character, int symbol, OUTLINE *outli
 
 int FontFaceAddFile(const char *file)
 {
-    return FcInit() && FcConfigAppFontAddFile(nullptr, reinterpret_cast<const FcChar8 *>(file));
+    return Config() && FcConfigAppFontAddFile(Config(), reinterpret_cast<const FcChar8 *>(file));
 }
 
 #else
