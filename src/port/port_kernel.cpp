@@ -96,7 +96,11 @@ BOOL HeapDestroy(HANDLE handle)
 {
     if (!handle) return FALSE;
     HEAP *heap = static_cast<HEAP *>(handle);
-    while (heap->ring.next != &heap->ring) BlockFree(heap, heap->ring.next + 1);
+    for (BLOCKHEAD *head = heap->ring.next; head != &heap->ring;) {
+        BLOCKHEAD *next = head->next;
+        free(head);
+        head = next;
+    }
     free(heap);
     return TRUE;
 }
