@@ -8,9 +8,4 @@ int VMapExactDistance(SURFACEEDGES *, double, const SURFACEMAP *, int32_t, int32
     return 0;
 }
 
-int VMapPrimitive(PATHREC *, double *, const SURFACEMAP *)
-{
-    return 0;
-}
-
 } // namespace zr32
