@@ -116,7 +116,8 @@ typedef struct R2VPOINT {
 ZRPATHAPI PATHREC *ZrPathCreate(void);
 
 /* Appends one node of the given type code at *point. 1; 0 when the record pointer is null. Give it records in the
- * block that ZrPathCreate made, up to 100 nodes; *path is never changed. */
+ * block that ZrPathCreate made, up to 100 nodes: *path is never changed, so the block of a fuller record grows only
+ * where it stands, and a node that finds no room is dropped. */
 ZRPATHAPI int32_t ZrPathAddPoint(PATHREC **path, const ZRPOINTFX *point, uint16_t type);
 
 /* Shrinks the record's block in place to what its nodes need: the last step of building a record. 1; 0 for a null
@@ -131,11 +132,12 @@ ZRPATHAPI int32_t ZrPathDeletePtr(PATHREC *path, int32_t bySelection);
  * give null, 1 point a lone start node. The caller owns it; null without memory. */
 ZRPATHAPI PATHREC *ZrPathR2VToZrPath(uint32_t count, const R2VPOINT *points);
 
-/* Links the array into one table chain and one join chain; returns its first record (null for an empty array). */
+/* Links the array into one table chain and one join chain; returns its first record. Null, with nothing linked, for
+ * an empty array or one with a null in it. */
 ZRPATHAPI PATHREC *ZrPathChainZrPath(uint32_t count, PATHREC **paths);
 
 /* Puts the table chain that added belongs to behind the chain of *chain, or stores added where *chain is null.
- * 1; 0 when added is null. Join and selected chains stay. */
+ * 1; 0 when added is null. Join and selected chains stay, and so does what is in the chain already. */
 ZRPATHAPI int32_t ZrPathChainPaths(PATHREC **chain, PATHREC *added);
 
 /* 1 when the record is a primitive that stands alone or with only its own envelope behind it, else 0. */

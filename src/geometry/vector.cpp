@@ -5,7 +5,7 @@ namespace zr32 {
 
 double *Vec2Sub(const double *a, const double *b, double *out)
 {
-    if (!a || !b) return nullptr;
+    if (!a || !b || !out) return nullptr;
     out[0] = a[0] - b[0];
     out[1] = a[1] - b[1];
     return out;
@@ -13,7 +13,7 @@ double *Vec2Sub(const double *a, const double *b, double *out)
 
 double *Vec2Scale(double *a, double k, double *out)
 {
-    if (k != 0) {
+    if (a && out && k != 0) {
         a[0] = out[0] = a[0] * k;
         a[1] = out[1] = a[1] * k;
     }

@@ -149,7 +149,11 @@ HGLOBAL GlobalFree(HGLOBAL block)
 
 SIZE_T GlobalSize(HGLOBAL block)
 {
-    return block ? HeadOf(block)->size : 0;
+    /* An address that is no global block has no size to tell, and nothing in front of it may be read. */
+    const HEAP *heap = GlobalHeap();
+    for (const BLOCKHEAD *head = heap->ring.prev; head != &heap->ring; head = head->prev)
+        if (head + 1 == block) return head->size;
+    return 0;
 }
 
 SIZE_T PortBlockCount(HANDLE heap)

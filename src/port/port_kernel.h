@@ -40,7 +40,7 @@ ZR32PORTAPI SIZE_T HeapSize(HANDLE heap, DWORD flags, const void *block);
 ZR32PORTAPI HGLOBAL GlobalAlloc(UINT flags, SIZE_T size);
 ZR32PORTAPI HGLOBAL GlobalReAlloc(HGLOBAL block, SIZE_T size, UINT flags);
 ZR32PORTAPI HGLOBAL GlobalFree(HGLOBAL block);
-ZR32PORTAPI SIZE_T GlobalSize(HGLOBAL block);
+ZR32PORTAPI SIZE_T GlobalSize(HGLOBAL block); /* 0 for what is not such a block */
 
 /* How many blocks a heap (null: the global blocks) holds now, for tests of leaks. */
 ZR32PORTAPI SIZE_T PortBlockCount(HANDLE heap);

@@ -19,12 +19,13 @@ uint64_t BlocksFor(uint64_t count)
     return std::max<uint64_t>(1, (count + nodesPerBlock - 1) / nodesPerBlock);
 }
 
-/* The rule's room for count more nodes. 1; 0 when the block would have to move and must not, or without memory. */
+/* The rule's room for count more nodes. 1; 0 when the block would have to move and must not, or without memory. A
+ * block that has less room than its count tells is resized as well. */
 int ReserveNodes(PATHREC **path, PATHNODE **first, uint32_t count, int mayMove)
 {
     const uint64_t wanted = uint64_t{(*path)->nodeCount} + count;
     if (wanted > INT32_MAX / sizeof(PATHNODE)) return 0;
-    if (wanted > RecordRoom(*path)) {
+    if (wanted > BlocksFor((*path)->nodeCount) * nodesPerBlock || wanted > RecordRoom(*path)) {
         const size_t size = RecordBlockSize(static_cast<size_t>(BlocksFor(wanted) * nodesPerBlock));
         void *block = PathHeapReAllocInPlace(PathHeap(), heapNoSerialize, *path, size);
         if (!block && mayMove) block = PathHeapReAlloc(PathHeap(), heapNoSerialize, *path, size);
@@ -47,7 +48,7 @@ template <typename RECORD> RECORD *Walk(RECORD *path, CHAINLINK link)
 size_t RecordRoom(const PATHREC *path)
 {
     const size_t size = PathHeapSize(PathHeap(), heapNoSerialize, path);
-    return size < RecordBlockSize(0) ? 0 : (size - RecordBlockSize(0)) / sizeof(PATHNODE);
+    return size < recordHeaderSize ? 0 : (size - recordHeaderSize) / sizeof(PATHNODE);
 }
 
 PATHREC *RecordAlloc(size_t nodes)
@@ -97,11 +98,11 @@ PATHREC *ZrPathCreate(void)
 int32_t ZrPathAddPoint(PATHREC **path, const ZRPOINTFX *point, uint16_t type)
 {
     if (!path || !*path || !point) return 0;
-    /* A copy, since the caller's pointer is not ours to change: the block grows where it is or not at all. */
+    /* A copy, since the caller's pointer is not ours to change: the block grows where it is or not at all. A node
+     * that finds no room is dropped, deliberately without a word of it in the result. */
     PATHREC *record = *path;
     PATHNODE *node = nullptr;
-    if (!ReserveNodes(&record, &node, 1, 0)) return 0;
-    *node = {type, point->x, point->y};
+    if (ReserveNodes(&record, &node, 1, 0)) *node = {type, point->x, point->y};
     return 1;
 }
 
@@ -136,7 +137,7 @@ PATHREC *ZrPathR2VToZrPath(uint32_t count, const R2VPOINT *points)
     if (count == 0 || !points || count > INT32_MAX / sizeof(PATHNODE) - 1) return nullptr;
     const R2VPOINT &first = points[0];
     const R2VPOINT &last = points[count - 1];
-    const int closes = first.x != last.x || first.y != last.y;
+    const int closes = count > 1 && (first.x != last.x || first.y != last.y);
     const uint32_t nodeCount = count + (closes ? 1 : 0);
     PATHREC *path = RecordAlloc(nodeCount);
     if (!path) return nullptr;
@@ -160,7 +161,7 @@ PATHREC *ZrPathR2VToZrPath(uint32_t count, const R2VPOINT *points)
 
 PATHREC *ZrPathChainZrPath(uint32_t count, PATHREC **paths)
 {
-    if (count == 0 || !paths) return nullptr;
+    if (count == 0 || !paths || std::find(paths, paths + count, nullptr) != paths + count) return nullptr;
     for (uint32_t i = 0; i + 1 < count; i++) {
         ChainLink(joinChain, paths[i], paths[i + 1]);
         ChainLink(tableChain, paths[i], paths[i + 1]);
@@ -171,10 +172,10 @@ PATHREC *ZrPathChainZrPath(uint32_t count, PATHREC **paths)
 int32_t ZrPathChainPaths(PATHREC **chain, PATHREC *added)
 {
     if (!chain || !added) return 0;
-    if (*chain)
-        ChainLink(tableChain, PathChainLast(*chain), PathChainFirst(added));
-    else
+    if (!*chain)
         *chain = added;
+    else if (PathChainFirst(*chain) != PathChainFirst(added)) /* what is in the chain already would make it a ring */
+        ChainLink(tableChain, PathChainLast(*chain), PathChainFirst(added));
     return 1;
 }
 

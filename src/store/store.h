@@ -199,7 +199,8 @@ int SegWalkNext(SEGWALK *walk, SEGMENT *segment);
 PATHGROUP *TableCurrentGroup(PATHTBL *table);
 const PATHGROUP *TableCurrentGroup(const PATHTBL *table);
 
-/* A zeroed display buffer; for a size without pixels or beyond what one buffer holds, a block of no bytes. */
+/* A zeroed display buffer, for a size without pixels a block of no bytes; null without memory or when the size is
+ * beyond what one buffer holds. */
 uint8_t *DisplayBufferAlloc(int32_t width, int32_t height);
 
 /* A point on the whole window in image coordinates. */

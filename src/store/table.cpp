@@ -41,6 +41,26 @@ void GroupFill(PATHGROUP *group, const char *name, PATHREC *path)
     if (!group->selectedPath) group->selectedPath = FirstSelected(path);
 }
 
+/* A table for the first group and the display buffer of its view; null, with the view as it was, without memory. */
+PATHTBL *TableForView(COORDSTRUCT *view)
+{
+    PATHTBL *table = TableAlloc();
+    if (!table || !view) return table;
+    /* The first view is expected to start at the window's origin, so its right and bottom are the size. */
+    table->lpDB = DisplayBufferAlloc(view->right, view->bottom);
+    if (!table->lpDB) {
+        PathHeapFree(PathHeap(), heapNoSerialize, table);
+        return nullptr;
+    }
+    table->dbWidth = view->right;
+    table->dbHeight = view->bottom;
+    table->dbScrollX = view->scrollX;
+    table->dbScrollY = view->scrollY;
+    table->dbZoom = view->zoom;
+    view->displayBuffer = table->lpDB;
+    return table;
+}
+
 /* Adds a zeroed entry; null without memory, the table is then as it was. */
 PATHTBL *TableGrow(PATHTBL *table)
 {
@@ -78,38 +98,24 @@ int32_t ZrPathAddPathGroup(PATHTBL **table, PATHREC *path, const char *name, COO
     if (!table || !path) return 0;
     if (path->prevPath) path = path->prevPath; /* one step back only, deliberately */
 
-    if (!*table) {
-        PATHTBL *made = TableAlloc();
-        if (!made) return 0;
-        GroupFill(&made->groups[0], name, path);
-        if (view) {
-            /* The first view is expected to start at the window's origin, so its right and bottom are the size. */
-            made->lpDB = DisplayBufferAlloc(view->right, view->bottom);
-            made->dbWidth = view->right;
-            made->dbHeight = view->bottom;
-            made->dbScrollX = view->scrollX;
-            made->dbScrollY = view->scrollY;
-            made->dbZoom = view->zoom;
-            view->displayBuffer = made->lpDB;
-        }
-        *table = made;
-    } else {
-        PATHTBL *grown = *table;
-        uint32_t group = 0;
-        if (grown->groupCount != 1 || grown->groups[0].activePath) {
-            RECT cleared;
-            if (grown->version == 0x10000 && view) ZrPathHide(view, nullptr, &cleared);
-            grown = TableGrow(grown);
-            if (!grown) return 0;
-            *table = grown;
-            group = grown->groupCount;
-        }
-        grown->currentGroup = group;
-        grown->groupCount = group + 1;
-        grown->version = 0x10000;
-        grown->groups[group].index = group;
-        GroupFill(&grown->groups[group], name, path);
+    PATHTBL *grown = *table;
+    uint32_t group = 0;
+    if (!grown) {
+        grown = TableForView(view);
+        if (!grown) return 0;
+    } else if (grown->groupCount != 1 || grown->groups[0].activePath) {
+        group = grown->groupCount;
+        grown = TableGrow(grown);
+        if (!grown) return 0;
+        RECT cleared;
+        if (grown->version == 0x10000 && view) ZrPathHide(view, nullptr, &cleared);
     }
+    *table = grown;
+    grown->currentGroup = group;
+    grown->groupCount = group + 1;
+    grown->version = 0x10000;
+    grown->groups[group].index = group;
+    GroupFill(&grown->groups[group], name, path);
 
     RECT drawn;
     if (view && view->displayBuffer && ZrPathDraw(view, path, &drawn) && dirty) *dirty = drawn;
@@ -120,7 +126,14 @@ int32_t ZrPathTblDelete(PATHTBL *table)
 {
     if (!table) return 0;
     for (uint32_t i = 0; i < table->groupCount; i++)
-        if (table->groups[i].activePath) ZrPathDeletePtr(PathChainFirst(table->groups[i].activePath), 0);
+        table->groups[i].activePath = PathChainFirst(table->groups[i].activePath);
+    for (uint32_t i = 0; i < table->groupCount; i++) {
+        PATHREC *head = table->groups[i].activePath;
+        ZrPathDeletePtr(head, 0);
+        /* a chain that was added twice is freed once */
+        for (uint32_t j = i + 1; j < table->groupCount; j++)
+            if (table->groups[j].activePath == head) table->groups[j].activePath = nullptr;
+    }
     ZrPathTblDeletelpDB(table);
     PathHeapFree(PathHeap(), heapNoSerialize, table);
     return 1;

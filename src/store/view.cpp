@@ -9,14 +9,6 @@ namespace zr32 {
 
 namespace {
 
-/* Bytes of a display buffer; 0 where a side is not positive or no buffer could be so large. */
-size_t DisplaySize(int32_t width, int32_t height)
-{
-    if (width <= 0 || height <= 0) return 0;
-    const uint64_t size = static_cast<uint64_t>(width) * static_cast<uint64_t>(height);
-    return size > INT32_MAX ? 0 : static_cast<size_t>(size);
-}
-
 void ViewSet(COORDSTRUCT *view, int32_t left, int32_t top, int32_t right, int32_t bottom, int32_t scrollX,
              int32_t scrollY, int32_t zoom)
 {
@@ -57,7 +49,10 @@ double FromView(int32_t v, int32_t scroll, int32_t zoom)
 
 uint8_t *DisplayBufferAlloc(int32_t width, int32_t height)
 {
-    return static_cast<uint8_t *>(BufAlloc(bufZero, DisplaySize(width, height)));
+    uint64_t size = 0;
+    if (width > 0 && height > 0) size = static_cast<uint64_t>(width) * static_cast<uint64_t>(height);
+    if (size > INT32_MAX) return nullptr;
+    return static_cast<uint8_t *>(BufAlloc(bufZero, static_cast<size_t>(size)));
 }
 
 tagPOINTDB PathViewToImage(const COORDSTRUCT *view, int32_t x, int32_t y)

@@ -1,0 +1,143 @@
+/* memory_test.cpp - the start of the library and its four allocators. */
+#include "comm/zr32comm.h"
+#include "frame/faults.h"
+#include "frame/frame.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+
+using namespace zr32;
+
+namespace {
+
+int AllZero(const void *block, size_t size)
+{
+    const uint8_t *bytes = static_cast<const uint8_t *>(block);
+    return std::all_of(bytes, bytes + size, [](uint8_t byte) { return byte == 0; });
+}
+
+TEST(Memory, InitMakesTheHeapOnce)
+{
+    EXPECT_EQ(0x30000, ZrPathInit());
+    const HANDLE heap = PathHeap();
+    EXPECT_NE(nullptr, heap);
+    EXPECT_EQ(0x30000, ZrPathInit());
+    EXPECT_EQ(heap, PathHeap());
+}
+
+TEST(Memory, SurfaceHeapIsASecondHeapMadeOnce)
+{
+    ZrPathInit();
+    EXPECT_EQ(1, SurfaceHeapInit());
+    const HANDLE heap = SurfaceHeap();
+    EXPECT_EQ(1, SurfaceHeapInit());
+    EXPECT_EQ(heap, SurfaceHeap());
+    EXPECT_NE(heap, PathHeap());
+}
+
+TEST(Memory, HeapTellsTheSizeThatWasAskedFor)
+{
+    ZrPathInit();
+    void *block = PathHeapAlloc(PathHeap(), heapZero, 1042);
+    ASSERT_NE(nullptr, block);
+    EXPECT_TRUE(AllZero(block, 1042));
+    EXPECT_EQ(1042u, PathHeapSize(PathHeap(), heapNoSerialize, block));
+    EXPECT_EQ(1, PathHeapValid(PathHeap(), heapNoSerialize, block));
+    void *grown = PathHeapReAlloc(PathHeap(), heapNoSerialize, block, 2043);
+    ASSERT_NE(nullptr, grown);
+    EXPECT_EQ(2043u, PathHeapSize(PathHeap(), heapNoSerialize, grown));
+    EXPECT_TRUE(AllZero(grown, 1042));
+    EXPECT_EQ(grown, PathHeapReAllocInPlace(PathHeap(), heapNoSerialize, grown, 7)) << "shrinking never moves";
+    EXPECT_EQ(7u, PathHeapSize(PathHeap(), heapNoSerialize, grown));
+    PathHeapFree(PathHeap(), heapNoSerialize, grown);
+}
+
+TEST(Memory, BlockOfNoBytesIsNotValid)
+{
+    ZrPathInit();
+    void *block = PathHeapAlloc(PathHeap(), heapZero, 0);
+    EXPECT_EQ(0, PathHeapValid(PathHeap(), heapNoSerialize, block));
+    EXPECT_EQ(0, PathHeapValid(PathHeap(), heapNoSerialize, nullptr));
+    PathHeapFree(PathHeap(), heapNoSerialize, block);
+}
+
+TEST(Memory, WithoutAHeapNothingIsGivenAndNothingTouched)
+{
+    EXPECT_EQ(nullptr, PathHeapAlloc(nullptr, heapZero, 10));
+    EXPECT_EQ(nullptr, PathHeapReAlloc(nullptr, 0, nullptr, 10));
+    EXPECT_EQ(0u, PathHeapSize(nullptr, 0, nullptr));
+    PathHeapFree(nullptr, 0, nullptr);
+}
+
+TEST(Memory, BufReAllocOfNullIsABufAlloc)
+{
+    void *block = BufReAlloc(nullptr, 100, bufZero);
+    ASSERT_NE(nullptr, block);
+    EXPECT_TRUE(AllZero(block, 100));
+    EXPECT_LE(100u, BufMemSize(block));
+    EXPECT_EQ(1, BufFree(block));
+}
+
+TEST(Memory, BufReAllocZeroesWhatItAdds)
+{
+    uint8_t *block = static_cast<uint8_t *>(BufAlloc(0, 16));
+    const size_t old = BufMemSize(block);
+    std::fill(block, block + 16, uint8_t{7});
+    block = static_cast<uint8_t *>(BufReAlloc(block, 100000, bufZero));
+    ASSERT_NE(nullptr, block);
+    EXPECT_EQ(16, std::count(block, block + 16, 7));
+    EXPECT_TRUE(AllZero(block + old, 100000 - old));
+    BufFree(block);
+}
+
+TEST(Memory, BufFreeOfNullIsOne)
+{
+    EXPECT_EQ(1, BufFree(nullptr));
+    EXPECT_EQ(0u, BufMemSize(nullptr));
+}
+
+TEST(Memory, FailedResizeKeepsTheBlock)
+{
+    uint8_t *block = static_cast<uint8_t *>(BufAlloc(bufZero, 16));
+    block[3] = 9;
+    FaultSet(ALLOC_BUF, 1);
+    EXPECT_EQ(nullptr, BufReAlloc(block, 32, 0));
+    EXPECT_TRUE(FaultStruck());
+    EXPECT_EQ(9, block[3]);
+    BufFree(block);
+    FaultSet(ALLOC_BUF, 0);
+}
+
+TEST(Memory, FaultsStrikeTheNthAllocationOnce)
+{
+    ZrPathInit();
+    const int64_t before = FaultLiveBlocks(ALLOC_PATHHEAP);
+    FaultSet(ALLOC_PATHHEAP, 2);
+    void *first = PathHeapAlloc(PathHeap(), heapZero, 8);
+    void *second = PathHeapAlloc(PathHeap(), heapZero, 8);
+    void *third = PathHeapAlloc(PathHeap(), heapZero, 8);
+    EXPECT_NE(nullptr, first);
+    EXPECT_EQ(nullptr, second);
+    EXPECT_NE(nullptr, third);
+    EXPECT_EQ(before + 2, FaultLiveBlocks(ALLOC_PATHHEAP));
+    PathHeapFree(PathHeap(), heapNoSerialize, first);
+    PathHeapFree(PathHeap(), heapNoSerialize, third);
+    EXPECT_EQ(before, FaultLiveBlocks(ALLOC_PATHHEAP));
+}
+
+TEST(Memory, GlobalBlocksGrowWithZerosAndFreeNull)
+{
+    uint8_t *block = static_cast<uint8_t *>(GlobalBlockAlloc(10));
+    ASSERT_NE(nullptr, block);
+    EXPECT_TRUE(AllZero(block, 10));
+    block[0] = 5;
+    block = static_cast<uint8_t *>(GlobalBlockReAlloc(block, 1000));
+    ASSERT_NE(nullptr, block);
+    EXPECT_EQ(5, block[0]);
+    EXPECT_TRUE(AllZero(block + 1, 999));
+    EXPECT_EQ(1000u, GlobalSize(block));
+    GlobalBlockFree(block);
+    GlobalBlockFree(nullptr);
+}
+
+} // namespace
