@@ -64,7 +64,7 @@ TEST_F(Record, TheHundredAndFirstNodeResizesOnceToTwoHundred)
         node->x = static_cast<FIXED>(i);
         EXPECT_EQ(RecordBlockSize(i <= 100 ? 100 : 200), BlockSize(path)) << i;
     }
-    for (uint32_t i = 1; i <= 200; i++) EXPECT_EQ(static_cast<FIXED>(i), path->nodes[i - 1].x);
+    for (uint32_t i = 1; i <= 200; i++) EXPECT_EQ(static_cast<FIXED>(i), +path->nodes[i - 1].x);
     ZrPathDeletePtr(path, 0);
 }
 
@@ -161,10 +161,10 @@ TEST_F(Record, AddPointAppendsUpToAHundredNodes)
     }
     EXPECT_EQ(block, path);
     EXPECT_EQ(100u, path->nodeCount);
-    EXPECT_EQ(6, path->nodes[0].type);
-    EXPECT_EQ(0x8002, path->nodes[99].type);
-    EXPECT_EQ(99, path->nodes[99].x);
-    EXPECT_EQ(-99, path->nodes[99].y);
+    EXPECT_EQ(6, +path->nodes[0].type);
+    EXPECT_EQ(0x8002, +path->nodes[99].type);
+    EXPECT_EQ(99, +path->nodes[99].x);
+    EXPECT_EQ(-99, +path->nodes[99].y);
     ZrPathDeletePtr(path, 0);
 }
 
@@ -199,7 +199,7 @@ TEST_F(Record, PurgeShrinksTheBlockWhereItStands)
     EXPECT_EQ(block, path);
     EXPECT_EQ(recordHeaderSize + 102, BlockSize(path)) << "142 bytes with the 40-byte header of a 32-bit build";
     EXPECT_EQ(10u, path->nodeCount);
-    EXPECT_EQ(2, path->nodes[9].y);
+    EXPECT_EQ(2, +path->nodes[9].y);
     ZrPathDeletePtr(path, 0);
 }
 
@@ -230,11 +230,11 @@ TEST_F(Record, TracedOpenPathIsClosedByALine)
     EXPECT_EQ(RecordBlockSize(4), BlockSize(path));
     EXPECT_EQ(0x80000000u, path->flags);
     const uint16_t types[] = {6, 4, 2, 3};
-    for (int i = 0; i < 4; i++) EXPECT_EQ(types[i], path->nodes[i].type) << i;
-    EXPECT_EQ(0x18000, path->nodes[0].x);
-    EXPECT_EQ(-0x64000, path->nodes[2].y);
-    EXPECT_EQ(path->nodes[0].x, path->nodes[3].x);
-    EXPECT_EQ(path->nodes[0].y, path->nodes[3].y);
+    for (int i = 0; i < 4; i++) EXPECT_EQ(types[i], +path->nodes[i].type) << i;
+    EXPECT_EQ(0x18000, +path->nodes[0].x);
+    EXPECT_EQ(-0x64000, +path->nodes[2].y);
+    EXPECT_EQ(+path->nodes[0].x, +path->nodes[3].x);
+    EXPECT_EQ(+path->nodes[0].y, +path->nodes[3].y);
     ZrPathDeletePtr(path, 0);
 }
 
@@ -249,8 +249,8 @@ TEST_F(Record, TracedClosedPathGetsTheClosingBitOnItsLastNode)
         PATHREC *path = ZrPathR2VToZrPath(4, points);
         ASSERT_NE(nullptr, path);
         EXPECT_EQ(4u, path->nodeCount);
-        EXPECT_EQ(0x2004, path->nodes[1].type) << "the element's own type, low 16 bits";
-        EXPECT_EQ(c.want, path->nodes[3].type) << c.last;
+        EXPECT_EQ(0x2004, +path->nodes[1].type) << "the element's own type, low 16 bits";
+        EXPECT_EQ(c.want, +path->nodes[3].type) << c.last;
         ZrPathDeletePtr(path, 0);
     }
 }
@@ -266,7 +266,7 @@ TEST_F(Record, TracedPathsOfNoneAndOnePoint)
         PATHREC *path = ZrPathR2VToZrPath(1, &one);
         ASSERT_NE(nullptr, path);
         EXPECT_EQ(1u, path->nodeCount);
-        EXPECT_EQ(6, path->nodes[0].type);
+        EXPECT_EQ(6, +path->nodes[0].type);
         ZrPathDeletePtr(path, 0);
     }
 }

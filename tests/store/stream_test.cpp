@@ -108,9 +108,9 @@ void ExpectSameChains(PATHREC *a, PATHREC *b)
         EXPECT_EQ(first[i]->primitive, second[i]->primitive);
         ASSERT_EQ(first[i]->nodeCount, second[i]->nodeCount);
         for (uint32_t k = 0; k < first[i]->nodeCount; k++) {
-            EXPECT_EQ(first[i]->nodes[k].type, second[i]->nodes[k].type);
-            EXPECT_EQ(first[i]->nodes[k].x, second[i]->nodes[k].x);
-            EXPECT_EQ(first[i]->nodes[k].y, second[i]->nodes[k].y);
+            EXPECT_EQ(+first[i]->nodes[k].type, +second[i]->nodes[k].type);
+            EXPECT_EQ(+first[i]->nodes[k].x, +second[i]->nodes[k].x);
+            EXPECT_EQ(+first[i]->nodes[k].y, +second[i]->nodes[k].y);
         }
         for (CHAINLINK link : allLinks) EXPECT_EQ(PlaceOf(first, first[i]->*link), PlaceOf(second, second[i]->*link));
     }
@@ -291,9 +291,9 @@ TEST_F(Stream, OlderLayoutIsUpgraded)
     EXPECT_EQ(0, head->primitive);
     EXPECT_EQ(0x80000000u, head->flags);
     EXPECT_EQ(3u, head->nodeCount);
-    EXPECT_EQ(0x8006, head->nodes[0].type);
-    EXPECT_EQ(2, head->nodes[2].x);
-    EXPECT_EQ(-2, head->nodes[2].y);
+    EXPECT_EQ(0x8006, +head->nodes[0].type);
+    EXPECT_EQ(2, +head->nodes[2].x);
+    EXPECT_EQ(-2, +head->nodes[2].y);
     EXPECT_EQ(RecordBlockSize(3), PathHeapSize(PathHeap(), 0, head)) << "8 bytes more on a 32-bit build";
     EXPECT_EQ(chain[1], head->nextJoin);
     EXPECT_EQ(head, chain[1]->prevJoin);
