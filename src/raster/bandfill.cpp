@@ -1,7 +1,7 @@
 /* bandfill.cpp - fills a chain of records into a mask.
  *
  * Comes in: records and a buffer that is large enough for them. Goes out: coverage. Each edge is walked once for the
- * whole buffer; only when the crossings become too many is the buffer done in parts of whole bands, so that memory
+ * whole buffer, unless the crossings become too many: the buffer is then done in parts of whole bands, so that memory
  * stays bounded whatever the size of the shape.
  */
 #include "raster/coverage.h"
@@ -12,49 +12,14 @@ namespace zr32 {
 
 namespace {
 
-/* Crossings above which a part of the buffer is halved. */
-constexpr uint32_t mostCrossingsOfPart = 1u << 20;
-
-struct BANDFILL {
-    PATHREC *path;
-    PATHBUF buf;
-    BUFINFO info;
-    int evenOdd;
-    int hard;
-    int32_t rowsPerPixel;
-    double zoom;
-    int32_t left;
-    int32_t top;
-    ROWCOVER cover;
-};
+/* Crossings of one part, and its height in pixel rows. */
+constexpr uint32_t mostPlacesOfPart = 1u << 17;
+constexpr int32_t tallestPart = 64 * maskBandHeight;
 
 int32_t RowsPerPixel(int32_t aaMode, int32_t bits)
 {
     if (bits == 32 || aaMode == 999) return 4;
     return aaMode == 0 ? 1 : 16;
-}
-
-/* The pixel rows from top to bottom, whole bands. 1; 0 without memory or above the limit, nothing is then written. */
-int FillPart(int32_t top, int32_t bottom, uint32_t crossingLimit, BANDFILL *fill)
-{
-    EDGETABLE *table = nullptr;
-    if (!EdgeTableAlloc(EDGES_PLAIN, top, bottom, fill->rowsPerPixel, &table)) return 0;
-    table->bandHeight = maskBandHeight;
-    table->crossingLimit = crossingLimit;
-    int done = 1;
-    for (PATHREC *record = fill->path; record && done; record = record->nextJoin)
-        done = PathAddEdges(record, fill->zoom, fill->left, fill->top, table);
-    done = done && EdgeTableSort(table);
-    if (done && fill->info.bits == 32) BandToMask32(table, fill->buf, fill->evenOdd);
-    if (done && fill->info.bits != 32) BandToMask8(table, fill->buf, fill->evenOdd, fill->hard, &fill->cover);
-    EdgeTableFree(table);
-    return done;
-}
-
-/* Half the height, in whole bands. */
-int32_t HalfPart(int32_t height)
-{
-    return std::max(height / 2 / maskBandHeight, 1) * maskBandHeight;
 }
 
 } // namespace
@@ -64,21 +29,25 @@ int PathBandFill(PATHREC *path, PATHBUF buf, int32_t evenOdd, int32_t aaMode, in
 {
     const BUFINFO info = BufInfo(buf);
     if (skip || (info.bits != 8 && info.bits != 32)) return 1;
-    BANDFILL fill = {path, buf, info, evenOdd != 0, aaMode == 0, RowsPerPixel(aaMode, info.bits), FixToDouble(zoom),
-                     left, top, {}};
-    int ready = info.bits == 32 || RowCoverAlloc(info.width, &fill.cover);
-    int32_t height = std::max(info.height, 1);
-    for (int32_t row = 0; ready && row < info.height;) {
-        const int32_t bottom = row + std::min(height, info.height - row);
-        const int smallest = height <= maskBandHeight;
-        if (FillPart(row, bottom, smallest ? 0 : mostCrossingsOfPart, &fill)) {
-            row = bottom;
-        } else {
-            ready = !smallest;
-            height = HalfPart(height);
+    const int32_t rowsPerPixel = RowsPerPixel(aaMode, info.bits);
+    PLACEMENT place = PlaceOnMask(FixToDouble(zoom), left, top);
+    /* A hard edge leaves x without the half pixel, deliberately. */
+    if (rowsPerPixel == 1) place.post.x = 0.0;
+
+    EDGETABLE *table = EdgeTableAlloc(EDGES_PLAIN, 1, place, rowsPerPixel);
+    ROWCOVER cover = {};
+    if (table && (info.bits == 32 || RowCoverAlloc(info.width, &cover))) {
+        for (int32_t row = 0; row < info.height; row = table->bottom) {
+            const int32_t bottom = row + std::min(info.height - row, tallestPart);
+            if (!EdgeTableLayOut(path, row, bottom, mostPlacesOfPart, table) || !EdgeTableFill(path, table)) break;
+            if (info.bits == 32)
+                BandToMask32(table, buf, evenOdd != 0);
+            else
+                BandToMask8(table, buf, evenOdd != 0, aaMode == 0, &cover);
         }
     }
-    RowCoverFree(&fill.cover);
+    RowCoverFree(&cover);
+    EdgeTableFree(table);
     return 1;
 }
 

@@ -10,22 +10,30 @@ namespace zr32 {
  * 2^-49, and 16 sample rows add to at most 16: every sum is exact in a double, so any order gives the same bits. */
 constexpr int32_t nearColumns = 8;
 
+/* The ends of spans in one column: how many more begin there than end, and how far to the right in it, summed with the
+ * same sign. What lies right of the column is covered by the sum of all counts up to it, the column itself by less than
+ * that: by what lies before its ends. */
+struct COLUMNENDS {
+    double count;
+    double before;
+};
+
 /* Coverage of one pixel row, in sample rows. */
 struct ROWCOVER {
     double near[nearColumns]; /* coverage of the first columns */
-    double *change;           /* of the others: what a column has more than the one before it; width + 2 */
-    uint64_t *touched;        /* a bit for each column whose change was written */
+    COLUMNENDS *ends;         /* of the others; width */
+    uint64_t *touched;        /* a bit for each column with ends */
     int32_t width;
 };
 
 int RowCoverAlloc(int32_t width, ROWCOVER *cover);
 void RowCoverFree(ROWCOVER *cover);
 
-/* Writes the pixel rows of a sorted plain table into an 8-bit buffer. hard: 255 or 0 by a threshold. */
-void BandToMask8(const EDGETABLE *table, PATHBUF buf, int evenOdd, int hard, ROWCOVER *cover);
+/* Writes the pixel rows of a plain table into an 8-bit buffer. hard: 255 or 0 by a threshold. */
+void BandToMask8(EDGETABLE *table, PATHBUF buf, int evenOdd, int hard, ROWCOVER *cover);
 
 /* The same for a 32-bit buffer and a table of 4 sample rows a pixel. */
-void BandToMask32(const EDGETABLE *table, PATHBUF buf, int evenOdd);
+void BandToMask32(EDGETABLE *table, PATHBUF buf, int evenOdd);
 
 } // namespace zr32
 

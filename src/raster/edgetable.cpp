@@ -1,7 +1,7 @@
 /* edgetable.cpp - memory and order of the edge tables.
  *
- * Comes in: runs of crossings in the order in which edges were walked. Goes out: rows in order of magnitude, one behind
- * the other in one block, each with an empty entry behind its last: a search along a row always finds an end.
+ * Comes in: the segments of a chain. Goes out: rows of crossings, laid out one behind the other in one block. A row has
+ * at least one place more than crossings, so that a search along it always finds an empty entry for its end.
  */
 #include "raster/edgetable.h"
 
@@ -12,163 +12,173 @@ namespace zr32 {
 
 namespace {
 
-constexpr uint32_t firstCrossings = 0x2000;
-constexpr uint32_t firstRuns = 0x400;
-constexpr uint32_t mostCrossings = 0x40000000;
-constexpr int64_t mostRows = 0x40000000;
+constexpr int64_t mostRows = 0x10000000;
+constexpr uint64_t mostPlacesOfTable = 0x40000000;
+
+/* The end of a row's list, and one crossing more than the control polygons ask for. */
+constexpr uint32_t firstSpare = 2;
 
 /* Order of crossings as an order of whole numbers: the magnitude, and below it the sign. */
-uint64_t SortKey(double crossing)
+inline uint64_t SortKey(double crossing)
 {
     return std::rotl(std::bit_cast<uint64_t>(crossing), 1);
 }
 
-/* Doubles the room until wanted fits. */
-uint32_t GrownRoom(uint32_t room, uint32_t first, uint64_t wanted)
+/* A block of at least count items whose content is not kept. 1; 0 without memory, no block is then left. */
+template <class ITEM> int EnsureRoom(size_t count, ITEM **items)
 {
-    uint64_t grown = std::max(room, first);
-    while (grown < wanted) grown *= 2;
-    return static_cast<uint32_t>(grown);
+    if (count > SIZE_MAX / sizeof(ITEM)) return 0;
+    BufFree(*items);
+    *items = static_cast<ITEM *>(BufAlloc(0, count * sizeof(ITEM)));
+    return *items != nullptr;
 }
 
-template <class ITEM> int Grow(uint32_t room, ITEM **items, uint32_t *itemRoom)
+int EnsureRows(size_t rows, EDGETABLE *table)
 {
-    if (room > SIZE_MAX / sizeof(ITEM)) return 0;
-    ITEM *grown = static_cast<ITEM *>(BufReAlloc(*items, room * sizeof(ITEM), 0));
-    if (!grown) return 0;
-    *items = grown;
-    *itemRoom = room;
+    if (rows <= table->rowRoom) return 1;
+    table->rowRoom = 0;
+    if (!EnsureRoom(rows + 1, &table->rowStart) || !EnsureRoom(rows, &table->rowNext)) return 0;
+    table->rowRoom = rows;
     return 1;
 }
 
-/* Where each row begins, and the same once more in next, for dealing out. */
-void LayOutRows(EDGETABLE *table, uint32_t *next)
+int EnsurePlaces(size_t places, EDGETABLE *table)
 {
-    /* One up where a run begins and one down behind it: their running sum is the count of a row. */
-    for (uint32_t i = 0; i < table->runCount; i++) {
-        const EDGERUN &run = table->runs[i];
-        const int32_t behind = static_cast<int32_t>(run.count);
-        const int32_t low = run.step > 0 ? run.row : run.row - behind + 1;
-        next[low]++;
-        next[low + behind]--;
-    }
-    uint32_t start = 0;
-    uint32_t count = 0;
-    for (uint32_t row = 0; row < table->rowCount; row++) {
-        count += next[row];
-        table->rowStart[row] = next[row] = start;
-        start += count + 1;
-    }
-    table->rowStart[table->rowCount] = start;
+    if (places <= table->placeRoom) return 1;
+    table->placeRoom = 0;
+    if (table->mode == EDGES_PLAIN ? !EnsureRoom(places, &table->crossings) : !EnsureRoom(places, &table->entries))
+        return 0;
+    table->placeRoom = places;
+    return 1;
 }
 
-void DealPlain(EDGETABLE *table, uint32_t *next)
+/* A line from y0 to y1 may cross the sample rows between them: one up where they begin, one down behind them. */
+void CountLine(double y0, double y1, const EDGETABLE *table, uint32_t *change)
 {
-    const double *from = table->crossings;
-    for (uint32_t i = 0; i < table->runCount; i++) {
-        const EDGERUN &run = table->runs[i];
-        uint32_t *row = next + run.row;
-        for (uint32_t k = 0; k < run.count; k++, row += run.step) table->rows[(*row)++] = *from++;
-    }
-    for (uint32_t row = 0; row < table->rowCount; row++) {
-        table->rows[next[row]] = 0.0;
-        SortCrossings(table->rows + table->rowStart[row], next[row] - table->rowStart[row]);
-    }
+    const double rows = table->rowCount;
+    const double first = (std::min(y0, y1) - table->top) * table->samples;
+    const double last = (std::max(y0, y1) - table->top) * table->samples;
+    if (last < 0 || first >= rows) return;
+    change[first > 0 ? static_cast<uint32_t>(first) : 0]++;
+    change[last < rows - 1 ? static_cast<uint32_t>(last) + 1 : table->rowCount]--;
 }
 
-void DealEntries(EDGETABLE *table, uint32_t *next)
+void CountChain(const PATHREC *path, const EDGETABLE *table, uint32_t *change)
 {
-    const double *from = table->crossings;
-    for (uint32_t i = 0; i < table->runCount; i++) {
-        const EDGERUN &run = table->runs[i];
-        uint32_t *row = next + run.row;
-        /* The flag holds the place in the order of the walk until the row is sorted. */
-        for (uint32_t k = 0; k < run.count; k++, row += run.step, from++)
-            table->entries[(*row)++] = {*from, run.node, static_cast<int32_t>(i)};
-    }
-    for (uint32_t row = 0; row < table->rowCount; row++) {
-        EDGEENTRY *first = table->entries + table->rowStart[row];
-        EDGEENTRY *end = table->entries + next[row];
-        std::sort(first, end, [](const EDGEENTRY &a, const EDGEENTRY &b) {
-            const uint64_t sizeA = SortKey(a.crossing) >> 1;
-            const uint64_t sizeB = SortKey(b.crossing) >> 1;
-            return sizeA != sizeB ? sizeA < sizeB : a.spanFlag < b.spanFlag;
-        });
-        for (EDGEENTRY *entry = first; entry < end; entry++) entry->spanFlag = 0;
-        *end = {0.0, nullptr, 0};
+    for (const PATHREC *record = path; record; record = record->nextJoin) {
+        SEGWALK walk;
+        SEGMENT segment;
+        for (SegWalkStart(record, table->place, &walk); EdgeWalkNext(table, &walk, &segment);) {
+            const int lines = segment.kind == PATHNODE_CURVE ? 3 : segment.kind == PATHNODE_LINE ? 1 : 0;
+            if (!SegmentIsNear(segment)) continue;
+            for (int i = 0; i < lines; i++) CountLine(segment.p[i].y, segment.p[i + 1].y, table, change);
+        }
     }
 }
 
 } // namespace
 
-void SortCrossings(double *crossings, uint32_t count)
+EDGETABLE *EdgeTableAlloc(EDGEMODE mode, int banded, const PLACEMENT &place, int32_t rowsPerPixel)
+{
+    EDGETABLE *table = static_cast<EDGETABLE *>(BufAlloc(bufZero, sizeof(EDGETABLE)));
+    if (!table) return nullptr;
+    table->mode = mode;
+    table->banded = banded;
+    table->place = place;
+    table->rowsPerPixel = rowsPerPixel;
+    table->samples = rowsPerPixel;
+    table->rowHeight = 1.0 / rowsPerPixel;
+    table->spare = firstSpare;
+    return table;
+}
+
+int EdgeTableLayOut(const PATHREC *path, int32_t top, int32_t bottom, uint32_t mostPlaces, EDGETABLE *table)
+{
+    const int64_t rows = (static_cast<int64_t>(bottom) - top) * table->rowsPerPixel;
+    table->rowCount = 0;
+    if (rows < 0 || rows > mostRows || !EnsureRows(static_cast<size_t>(rows), table)) return 0;
+    table->top = top;
+    table->bottom = bottom;
+    table->rowCount = static_cast<uint32_t>(rows);
+    table->overflow = 0;
+
+    /* rowStart first counts: its entries hold the change from the row before until that row is laid out. */
+    std::fill_n(table->rowStart, table->rowCount + 1, 0);
+    CountChain(path, table, table->rowStart);
+    const uint32_t bandRows = static_cast<uint32_t>(maskBandHeight * table->rowsPerPixel);
+    uint64_t start = 0;
+    uint32_t count = 0;
+    for (uint32_t row = 0; row < table->rowCount; row++) {
+        if (start > mostPlaces && row > 0 && row % bandRows == 0) {
+            table->rowCount = row;
+            table->bottom = top + static_cast<int32_t>(row) / table->rowsPerPixel;
+            break;
+        }
+        count += table->rowStart[row];
+        table->rowStart[row] = table->rowNext[row] = static_cast<uint32_t>(start);
+        start += uint64_t{count} + table->spare;
+        if (start > mostPlacesOfTable) return 0;
+    }
+    table->rowStart[table->rowCount] = static_cast<uint32_t>(start);
+    return EnsurePlaces(static_cast<size_t>(start) + 1, table);
+}
+
+int EdgeTableFill(PATHREC *path, EDGETABLE *table)
+{
+    for (;;) {
+        for (PATHREC *record = path; record; record = record->nextJoin) PathAddEdges(record, table);
+        if (!table->overflow) return 1;
+        table->spare *= 2;
+        if (!EdgeTableLayOut(path, table->top, table->bottom, UINT32_MAX, table)) return 0;
+    }
+}
+
+double *EdgeTableSortRow(EDGETABLE *table, size_t row)
 {
     constexpr uint32_t shortRow = 24;
-    if (count > shortRow) {
-        std::sort(crossings, crossings + count, [](double a, double b) { return SortKey(a) < SortKey(b); });
-        return;
+    double *crossings = table->crossings + table->rowStart[row];
+    const uint32_t n = EdgeTableRowCount(table, row);
+    crossings[n] = 0.0;
+    if (n > shortRow) {
+        std::sort(crossings, crossings + n, [](double a, double b) { return SortKey(a) < SortKey(b); });
+        return crossings;
     }
-    for (uint32_t i = 1; i < count; i++) {
+    for (uint32_t i = 1; i < n; i++) {
         const double crossing = crossings[i];
         const uint64_t key = SortKey(crossing);
         uint32_t at = i;
         for (; at > 0 && SortKey(crossings[at - 1]) > key; at--) crossings[at] = crossings[at - 1];
         crossings[at] = crossing;
     }
+    return crossings;
 }
 
-int EdgeTableAlloc(EDGEMODE mode, int32_t top, int32_t bottom, int32_t rowsPerPixel, EDGETABLE **table)
+int EdgeTableOfChain(EDGEMODE mode, PATHREC *path, double zoom, int32_t left, int32_t top, int32_t rowCount,
+                     EDGETABLE **table)
 {
-    if (*table) return 0;
-    const int64_t rows = bottom > top ? (static_cast<int64_t>(bottom) - top) * rowsPerPixel : 0;
-    if (rows > mostRows) return 0;
-    EDGETABLE *made = static_cast<EDGETABLE *>(BufAlloc(bufZero, sizeof(EDGETABLE)));
-    if (!made) return 0;
-    made->mode = mode;
-    made->top = top;
-    made->bottom = bottom;
-    made->rowsPerPixel = rowsPerPixel;
-    made->rowCount = static_cast<uint32_t>(rows);
+    PLACEMENT place = PlaceOnMask(zoom, left, top);
+    place.post.x = 0.0;
+    EDGETABLE *made = EdgeTableAlloc(mode, 0, place, 1);
+    *table = nullptr;
+    if (!made || !EdgeTableLayOut(path, 0, rowCount, UINT32_MAX, made) || !EdgeTableFill(path, made)) {
+        EdgeTableFree(made);
+        return 0;
+    }
+    for (uint32_t row = 0; row < made->rowCount; row++) {
+        EDGEENTRY *first = made->entries + made->rowStart[row];
+        EDGEENTRY *end = made->entries + made->rowNext[row];
+        *end = {0.0, nullptr, 0};
+        /* The flag holds the place in the order of the walk while the row is sorted. */
+        for (EDGEENTRY *entry = first; entry < end; entry++) entry->spanFlag = static_cast<int32_t>(entry - first);
+        std::sort(first, end, [](const EDGEENTRY &a, const EDGEENTRY &b) {
+            const uint64_t keyA = SortKey(a.crossing);
+            const uint64_t keyB = SortKey(b.crossing);
+            return keyA != keyB ? keyA < keyB : a.spanFlag < b.spanFlag;
+        });
+        for (EDGEENTRY *entry = first; entry < end; entry++) entry->spanFlag = 0;
+    }
     *table = made;
     return 1;
-}
-
-int EdgeTableReserve(uint32_t count, EDGETABLE *table)
-{
-    const uint64_t wanted = static_cast<uint64_t>(table->crossingCount) + count;
-    if (wanted > mostCrossings || (table->crossingLimit && table->crossingCount > table->crossingLimit)) return 0;
-    if (wanted > table->crossingRoom &&
-        !Grow(GrownRoom(table->crossingRoom, firstCrossings, wanted), &table->crossings, &table->crossingRoom))
-        return 0;
-    return table->runCount < table->runRoom ||
-           Grow(GrownRoom(table->runRoom, firstRuns, table->runCount + 1), &table->runs, &table->runRoom);
-}
-
-int EdgeTableSort(EDGETABLE *table)
-{
-    if (!table || table->rowStart) return 0;
-    const size_t places = size_t{table->crossingCount} + table->rowCount + 1;
-    uint32_t *next = static_cast<uint32_t *>(BufAlloc(bufZero, (size_t{table->rowCount} + 1) * sizeof(uint32_t)));
-    table->rowStart = static_cast<uint32_t *>(BufAlloc(0, (size_t{table->rowCount} + 1) * sizeof(uint32_t)));
-    if (table->mode == EDGES_PLAIN)
-        table->rows = static_cast<double *>(BufAlloc(0, places * sizeof(double)));
-    else if (places <= SIZE_MAX / sizeof(EDGEENTRY))
-        table->entries = static_cast<EDGEENTRY *>(BufAlloc(0, places * sizeof(EDGEENTRY)));
-    const int ready = next && table->rowStart && (table->rows || table->entries);
-    if (ready) {
-        LayOutRows(table, next);
-        if (table->mode == EDGES_PLAIN)
-            DealPlain(table, next);
-        else
-            DealEntries(table, next);
-    } else {
-        BufFree(table->rows);
-        BufFree(table->entries);
-        table->rows = nullptr;
-        table->entries = nullptr;
-    }
-    BufFree(next);
-    return ready;
 }
 
 uint32_t EdgeTableRows(const EDGETABLE *table)
@@ -179,18 +189,17 @@ uint32_t EdgeTableRows(const EDGETABLE *table)
 EDGEENTRY *EdgeTableRow(EDGETABLE *table, uint32_t row, uint32_t *count)
 {
     *count = 0;
-    if (!table || !table->entries || row >= table->rowCount) return nullptr;
-    *count = table->rowStart[row + 1] - table->rowStart[row] - 1;
-    return *count ? table->entries + table->rowStart[row] : nullptr;
+    if (!table || row >= table->rowCount) return nullptr;
+    *count = EdgeTableRowCount(table, row);
+    return table->entries + table->rowStart[row];
 }
 
 int EdgeTableFree(EDGETABLE *table)
 {
     if (!table) return 0;
-    BufFree(table->crossings);
-    BufFree(table->runs);
     BufFree(table->rowStart);
-    BufFree(table->rows);
+    BufFree(table->rowNext);
+    BufFree(table->crossings);
     BufFree(table->entries);
     BufFree(table);
     return 1;

@@ -29,16 +29,18 @@ int IsNear(const POINTDB &p)
 }
 
 /* Moves a coordinate that lies exactly on the sample grid off it, so that a vertex never lies on a sample row and two
- * edges that meet there give one crossing, not none or two. */
-double OffGrid(double v, double rowsPerPixel)
+ * edges that meet there give one crossing, not none or two. Adding and taking away 1.5 x 2^52 rounds to a whole number;
+ * the distance of coordinates is bounded far below that. */
+double OffGrid(double v, double samples)
 {
-    const double scaled = v * rowsPerPixel;
-    return scaled == TruncInt(scaled) ? v + offGrid : v;
+    constexpr double rounder = 6755399441055744.0;
+    const double scaled = v * samples;
+    return (scaled + rounder) - rounder == scaled ? v + offGrid : v;
 }
 
 POINTDB OffGrid(const POINTDB &p, const EDGETABLE *table)
 {
-    return {OffGrid(p.x, table->rowsPerPixel), OffGrid(p.y, table->rowsPerPixel)};
+    return {OffGrid(p.x, table->samples), OffGrid(p.y, table->samples)};
 }
 
 int64_t Floor(double v)
@@ -60,34 +62,25 @@ struct ROWRANGE {
     int64_t end;
 };
 
-ROWRANGE RowsOfEdge(const EDGETABLE *table, double y0, double y1)
+ROWRANGE RowsOfEdge(const EDGETABLE *table, double low, double high)
 {
     int32_t first = table->top;
     int32_t end = table->bottom;
-    if (table->bandHeight) {
-        const int32_t low = static_cast<int32_t>(std::max<double>(std::min(y0, y1), first));
-        const int32_t high = static_cast<int32_t>(std::min<double>(std::max(y0, y1), end));
-        first = std::max(first, low - low % table->bandHeight);
-        end = std::min(end, high - high % table->bandHeight + table->bandHeight);
+    if (table->banded) {
+        if (low > first) first = static_cast<int32_t>(low) / maskBandHeight * maskBandHeight;
+        if (high < end)
+            end = std::min(end, static_cast<int32_t>(high) / maskBandHeight * maskBandHeight + maskBandHeight);
     }
     return {static_cast<int64_t>(first - table->top) * table->rowsPerPixel,
             static_cast<int64_t>(end - table->top) * table->rowsPerPixel};
 }
 
-/* Takes over the count crossings that stand behind the last one. */
-void AddRun(int64_t row, int32_t step, uint32_t count, PATHNODE *node, EDGETABLE *table)
-{
-    if (count == 0) return;
-    table->runs[table->runCount++] = {node, static_cast<int32_t>(row), step, count};
-    table->crossingCount += count;
-}
-
 /* An upright edge: the rows between its ends, all at one place. The walk is measured in y, whose steps are exact, so
  * the first and the last row can be named. first is where the walk begins. */
-int AddUpright(const POINTDB &p0, const POINTDB &p1, int64_t first, const ROWRANGE &range, PATHNODE *node,
-               EDGETABLE *table)
+void AddUpright(const POINTDB &p0, const POINTDB &p1, int64_t first, const ROWRANGE &range, PATHNODE *node,
+                EDGETABLE *table)
 {
-    const double n = table->rowsPerPixel;
+    const double n = table->samples;
     const int64_t topRow = static_cast<int64_t>(table->top) * table->rowsPerPixel;
     const int down = p1.y > p0.y;
     int64_t low;
@@ -99,78 +92,142 @@ int AddUpright(const POINTDB &p0, const POINTDB &p1, int64_t first, const ROWRAN
         low = Floor(p1.y * n) + 1 - topRow;
         end = std::min(first, Floor(p0.y * n) - topRow) + 1;
     }
-    low = std::max(low, range.first);
     end = std::min(end, range.end);
-    if (low >= end) return 1;
-    const uint32_t count = static_cast<uint32_t>(end - low);
-    if (!EdgeTableReserve(count, table)) return 0;
     const double crossing = down ? p0.x : -p0.x;
-    std::fill_n(table->crossings + table->crossingCount, count, crossing);
-    AddRun(low, 1, count, node, table);
+    for (int64_t row = std::max(low, range.first); row < end; row++)
+        EdgeTableAdd(table, crossing, static_cast<size_t>(row), node);
+}
+
+/* The walk along a sloping edge: x at the present row, its step to the next. */
+struct SLOPEWALK {
+    double x;
+    double dx;
+    double end;
+    int64_t row;
+    int64_t rowStep;
+};
+
+/* One row on. 0 where the step is too small to be felt: such a walk ends. */
+inline int SlopeForward(SLOPEWALK *walk)
+{
+    const double next = walk->x + walk->dx;
+    if (next == walk->x) return 0;
+    walk->x = next;
+    walk->row += walk->rowStep;
     return 1;
+}
+
+/* Brings a walk that begins outside the range to its first row there. 0 when it ends before. */
+int SlopeEnter(const ROWRANGE &range, SLOPEWALK *walk)
+{
+    int64_t away = walk->rowStep > 0 ? range.first - walk->row : walk->row - (range.end - 1);
+    if (away > mostRowsPassed) {
+        walk->x += walk->dx * static_cast<double>(away);
+        walk->row += walk->rowStep * away;
+        away = 0;
+    }
+    for (; away > 0; away--)
+        if (!(walk->x < walk->end) || !SlopeForward(walk)) return 0;
+    return 1;
+}
+
+/* Adds rows that are certain to be reached. */
+void AddRows(int64_t rows, double sign, PATHNODE *node, SLOPEWALK *walk, EDGETABLE *table)
+{
+    if (table->mode != EDGES_PLAIN) {
+        for (; rows > 0; rows--) {
+            EdgeTableAdd(table, walk->x * sign, static_cast<size_t>(walk->row), node);
+            walk->x += walk->dx;
+            walk->row += walk->rowStep;
+        }
+        return;
+    }
+    /* The same with everything at hand. */
+    const uint32_t *start = table->rowStart + 1;
+    uint32_t *next = table->rowNext;
+    double *crossings = table->crossings;
+    SLOPEWALK at = *walk;
+    for (; rows > 0; rows--) {
+        const uint32_t place = next[at.row];
+        if (place + 1 < start[at.row]) {
+            crossings[place] = at.x * sign;
+            next[at.row] = place + 1;
+        } else {
+            table->overflow = 1;
+        }
+        at.x += at.dx;
+        at.row += at.rowStep;
+    }
+    *walk = at;
+}
+
+/* How many rows of a walk are certain before it is walked, counted from its first: those above its start, and those
+ * above its end. They follow from y alone, so the processor need not wait for the sum of x to know how often to go
+ * round. The last row of each count, where rounding of x may decide, is not certain; neither is anything where the step
+ * nears the rounding of x or is repeated so often that rounding adds up to a row. */
+struct CERTAINROWS {
+    int64_t toStart;
+    int64_t toEnd;
+};
+
+CERTAINROWS CertainRows(double startOffset, double height, double farX, const SLOPEWALK &walk, const EDGETABLE *table)
+{
+    constexpr double mostRows = 1024;
+    constexpr double leastStep = 0x1p-40;
+    const double start = startOffset * static_cast<double>(walk.rowStep) * -table->samples;
+    const double end = start + std::fabs(height) * table->samples;
+    if (!(start >= 0 && end < mostRows && walk.dx > farX * leastStep)) return {0, 0};
+    return {static_cast<int32_t>(start), static_cast<int32_t>(end)};
 }
 
 /* A sloping edge. The walk is measured in x: from the pixel row in which the edge starts, x moves on by the same step
- * each row; rows count from the edge's start until its end is reached. A walk that no longer moves ends. Edges towards
- * smaller x are walked as their mirror image, which rounds the same. */
-int AddSloping(const POINTDB &p0, const POINTDB &p1, double slope, double startOffset, int64_t row,
-               const ROWRANGE &range, PATHNODE *node, EDGETABLE *table)
+ * each row; rows count from the edge's start until its end is reached. Edges towards smaller x are walked as their
+ * mirror image, which rounds the same. startOffset leads from the edge's start to the row's place in y. */
+void AddSloping(const POINTDB &p0, const POINTDB &p1, double slope, double startOffset, int64_t row,
+                const ROWRANGE &range, PATHNODE *node, EDGETABLE *table)
 {
-    const int32_t rowStep = p1.y > p0.y ? 1 : -1;
-    const double xStep = slope * rowStep / table->rowsPerPixel;
-    const double mirror = xStep < 0 ? -1.0 : 1.0;
-    const double dx = xStep * mirror;
+    const int down = p1.y > p0.y;
+    const double step = (down ? slope : -slope) * table->rowHeight;
+    const double mirror = step < 0 ? -1.0 : 1.0;
     const double from = p0.x * mirror;
-    const double to = p1.x * mirror;
-    double x = (startOffset * slope + p0.x) * mirror;
+    SLOPEWALK walk = {(startOffset * slope + p0.x) * mirror, step * mirror, p1.x * mirror, row, down ? 1 : -1};
+    const double farX = std::max(std::fabs(p0.x), std::fabs(p1.x));
+    const CERTAINROWS certain = CertainRows(startOffset, p1.y - p0.y, farX, walk, table);
 
-    while (x < from) {
-        const double next = x + dx;
-        if (next == x) return 1;
-        x = next;
-        row += rowStep;
-    }
-    const int64_t passed = rowStep > 0 ? range.first - row : row - (range.end - 1);
-    if (passed > mostRowsPassed) {
-        x += dx * static_cast<double>(passed);
-        row += rowStep * passed;
-    }
-    while (rowStep > 0 ? row < range.first : row >= range.end) {
-        const double next = x + dx;
-        if (!(x < to) || next == x) return 1;
-        x = next;
-        row += rowStep;
-    }
-    const int64_t most = rowStep > 0 ? range.end - row : row - range.first + 1;
-    if (most <= 0 || !(x < to)) return 1;
+    for (int64_t i = 0; i < certain.toStart; i++) walk.x += walk.dx;
+    walk.row += certain.toStart * walk.rowStep;
+    while (walk.x < from)
+        if (!SlopeForward(&walk)) return;
+    if (!SlopeEnter(range, &walk)) return;
 
-    /* The step may be too small to be felt at one place and be felt at another, so no quotient bounds the count. */
-    if (!EdgeTableReserve(static_cast<uint32_t>(most), table)) return 0;
-    const double sign = mirror * rowStep;
-    double *out = table->crossings + table->crossingCount;
-    double *const end = out + most;
-    double *at = out;
-    while (at < end && x < to) {
-        *at++ = x * sign;
-        const double next = x + dx;
-        if (next == x) break;
-        x = next;
+    const double sign = down ? mirror : -mirror;
+    int64_t rows = down ? range.end - walk.row : walk.row - range.first + 1;
+    const int64_t sure = std::min(certain.toEnd - (walk.row - row) * walk.rowStep, rows);
+    if (sure > 0) {
+        AddRows(sure, sign, node, &walk, table);
+        rows -= sure;
     }
-    AddRun(row, rowStep, static_cast<uint32_t>(at - out), node, table);
-    return 1;
+    for (; rows > 0 && walk.x < walk.end; rows--) {
+        EdgeTableAdd(table, walk.x * sign, static_cast<size_t>(walk.row), node);
+        if (!SlopeForward(&walk)) return;
+    }
 }
 
 /* One straight piece. width is its extent in x, which for a curve's piece may have been taken as 0. */
-int AddPiece(const POINTDB &p0, const POINTDB &p1, double width, PATHNODE *node, EDGETABLE *table)
+void AddPiece(const POINTDB &p0, const POINTDB &p1, double width, PATHNODE *node, EDGETABLE *table)
 {
     const double height = p1.y - p0.y;
-    if (height == 0) return 1;
-    if ((p0.y < table->top && p1.y < table->top) || (p0.y >= table->bottom && p1.y >= table->bottom)) return 1;
-    const ROWRANGE range = RowsOfEdge(table, p0.y, p1.y);
+    if (height == 0) return;
+    const double low = std::min(p0.y, p1.y);
+    const double high = std::max(p0.y, p1.y);
+    if (high < table->top || low >= table->bottom) return;
+    const ROWRANGE range = RowsOfEdge(table, low, high);
     const int64_t startPixel = static_cast<int64_t>(p0.y) + (height < 0);
     const int64_t row = (startPixel - table->top) * table->rowsPerPixel;
-    if (width == 0) return AddUpright(p0, p1, row, range, node, table);
-    return AddSloping(p0, p1, width / height, static_cast<double>(startPixel) - p0.y, row, range, node, table);
+    if (width == 0)
+        AddUpright(p0, p1, row, range, node, table);
+    else
+        AddSloping(p0, p1, width / height, static_cast<double>(startPixel) - p0.y, row, range, node, table);
 }
 
 /* 1 when the hull of a curve lies so far above or below the table that no piece can reach it. */
@@ -183,9 +240,9 @@ int CurveMisses(const POINTDB *p, const EDGETABLE *table)
 }
 
 /* A curve goes straight into the table, piece by piece. Once halved the step stays short for the rest of the curve. */
-int AddCurve(const POINTDB *p, PATHNODE *node, EDGETABLE *table)
+void AddCurve(const POINTDB *p, PATHNODE *node, EDGETABLE *table)
 {
-    if (CurveMisses(p, table)) return 1;
+    if (CurveMisses(p, table)) return;
     CURVESTEP step;
     CurveStart(p, &step);
     POINTDB from = OffGrid(step.pos * subPixelOfStep, table);
@@ -200,52 +257,54 @@ int AddCurve(const POINTDB *p, PATHNODE *node, EDGETABLE *table)
         }
         const POINTDB to = OffGrid((step.pos + step.d) * subPixelOfStep, table);
         const double width = to.x - from.x;
-        if (!AddPiece(from, to, std::fabs(width) < narrowPiece ? 0.0 : width, node, table)) return 0;
+        AddPiece(from, to, std::fabs(width) < narrowPiece ? 0.0 : width, node, table);
         CurveAdvance(&step);
         from = to;
     }
-    return 1;
-}
-
-POINTDB Exchanged(const POINTDB &p)
-{
-    return {p.y, p.x};
 }
 
 } // namespace
 
-int PathAddEdges(PATHREC *path, double zoom, int32_t left, int32_t originTop, EDGETABLE *table)
+int SegmentIsNear(const SEGMENT &segment)
 {
-    if (!table) return 0;
-    PLACEMENT place = PlaceOnMask(zoom, left, originTop);
-    if (table->rowsPerPixel == 1) place.post.x = 0.0;
+    const int last = segment.kind == PATHNODE_CURVE ? 3 : segment.kind == PATHNODE_LINE ? 1 : 0;
+    for (int i = 0; i <= last; i++)
+        if (!IsNear(segment.p[i])) return 0;
+    return 1;
+}
 
+int EdgeWalkNext(const EDGETABLE *table, SEGWALK *walk, SEGMENT *segment)
+{
+    if (!SegWalkNext(walk, segment)) return 0;
+    if (table->mode == EDGES_COLUMNS)
+        for (POINTDB &p : segment->p) std::swap(p.x, p.y);
+    return 1;
+}
+
+void PathAddEdges(PATHREC *path, EDGETABLE *table)
+{
     SEGWALK walk;
     SEGMENT segment;
     POINTDB current = {0, 0};
-    for (SegWalkStart(path, place, &walk); SegWalkNext(&walk, &segment);) {
-        if (table->mode == EDGES_COLUMNS)
-            for (POINTDB &p : segment.p) p = Exchanged(p);
+    for (SegWalkStart(path, table->place, &walk); EdgeWalkNext(table, &walk, &segment);) {
         PATHNODE *node = path->nodes + segment.index;
         switch (segment.kind) {
         case PATHNODE_START: current = segment.p[0]; break;
-        case PATHNODE_LINE: {
+        case PATHNODE_LINE:
             /* The next segment starts where this one has ended, with its shift. */
-            const POINTDB from = OffGrid(current, table);
-            const POINTDB to = current = OffGrid(segment.p[1], table);
-            if (IsNear(from) && IsNear(to) && !AddPiece(from, to, to.x - from.x, node, table)) return 0;
+            segment.p[0] = OffGrid(current, table);
+            segment.p[1] = current = OffGrid(segment.p[1], table);
+            if (SegmentIsNear(segment))
+                AddPiece(segment.p[0], segment.p[1], segment.p[1].x - segment.p[0].x, node, table);
             break;
-        }
-        case PATHNODE_CURVE: {
-            const POINTDB p[4] = {current, segment.p[1], segment.p[2], segment.p[3]};
-            current = p[3];
-            if (IsNear(p[0]) && IsNear(p[1]) && IsNear(p[2]) && IsNear(p[3]) && !AddCurve(p, node, table)) return 0;
+        case PATHNODE_CURVE:
+            segment.p[0] = current;
+            current = segment.p[3];
+            if (SegmentIsNear(segment)) AddCurve(segment.p, node, table);
             break;
-        }
         default: break;
         }
     }
-    return 1;
 }
 
 } // namespace zr32

@@ -49,20 +49,18 @@ void StoreSpan(double from, double to, int32_t width, uint8_t *bytes)
 
 } // namespace
 
-void BandToMask32(const EDGETABLE *table, PATHBUF buf, int evenOdd)
+void BandToMask32(EDGETABLE *table, PATHBUF buf, int evenOdd)
 {
     const BUFINFO info = BufInfo(buf);
-    uint32_t row = 0;
+    size_t row = 0;
     for (int32_t y = table->top; y < table->bottom; y++) {
         uint8_t *pixels = BufRow(buf, info, y);
         memset(pixels, 0xFF, info.stride);
         for (int32_t sample = 0; sample < table->rowsPerPixel; sample++, row++) {
-            uint32_t count;
-            const double *entries = EdgeTablePlainRow(table, row, &count);
             SPANWALK walk;
             double from;
             double to;
-            for (SpanStart(entries, count, evenOdd, &walk); SpanNext(&walk, &from, &to);)
+            for (SpanStart(table, row, evenOdd, &walk); SpanNext(&walk, &from, &to);)
                 StoreSpan(from, to, info.width, pixels + sample);
         }
     }

@@ -1,7 +1,7 @@
 /* mask8.cpp - rows of crossings become coverage bytes.
  *
- * Coverage is exact in x and sampled in y. A span is not added pixel by pixel: its two ends are noted as changes from
- * one column to the next, and one pass over the columns that were touched adds them up and writes runs of equal bytes.
+ * Coverage is exact in x and sampled in y. A span is not added pixel by pixel: each of its ends is noted in the column
+ * where it lies, and one pass over the columns that were touched adds them up and writes runs of equal bytes.
  */
 #include "raster/coverage.h"
 #include "raster/spans.h"
@@ -18,19 +18,16 @@ constexpr uint8_t hardThreshold = 115;
 
 size_t TouchedWords(int32_t width)
 {
-    return (static_cast<size_t>(width) + 2 + 63) / 64;
+    return (static_cast<size_t>(width) + 63) / 64;
 }
 
-/* From x on, everything to the right is covered (sign 1) or no longer covered (sign -1). */
+/* From x on everything to the right is covered (sign 1), or no longer covered (sign -1). */
 inline void AddEnd(double x, int32_t column, double sign, ROWCOVER *cover)
 {
-    const double fraction = x - column;
-    cover->change[column] += sign * (1.0 - fraction);
-    cover->change[column + 1] += sign * fraction;
-    const uint32_t bit = static_cast<uint32_t>(column) & 63;
-    uint64_t *word = cover->touched + (static_cast<uint32_t>(column) >> 6);
-    word[0] |= uint64_t{3} << bit;
-    if (bit == 63) word[1] |= 1;
+    COLUMNENDS *ends = cover->ends + column;
+    ends->count += sign;
+    ends->before += sign * (x - column);
+    cover->touched[static_cast<uint32_t>(column) >> 6] |= uint64_t{1} << (static_cast<uint32_t>(column) & 63);
 }
 
 /* A span that begins in the first columns, or that runs down to 0, added pixel by pixel. */
@@ -41,7 +38,7 @@ void AddSpanInOrder(double from, double to, ROWCOVER *cover)
     if (a >= nearColumns) {
         /* Down to 0, where nothing is added. */
         AddEnd(from, a, 1.0, cover);
-        AddEnd(a + 1, a + 1, -1.0, cover);
+        if (a + 1 < cover->width) AddEnd(a + 1, a + 1, -1.0, cover);
         return;
     }
     if (a == b) {
@@ -53,7 +50,7 @@ void AddSpanInOrder(double from, double to, ROWCOVER *cover)
     if (b < nearColumns) {
         cover->near[b] += to - b;
     } else {
-        AddEnd(nearColumns, nearColumns, 1.0, cover);
+        if (cover->width > nearColumns) AddEnd(nearColumns, nearColumns, 1.0, cover);
         if (b < cover->width) AddEnd(to, b, -1.0, cover);
     }
 }
@@ -94,53 +91,58 @@ void WriteRow(uint8_t *row, double scale, int hard, ROWCOVER *cover)
         if (cover->near[x] != 0) row[x] = CoverByte(cover->near[x], scale, hard);
     std::fill_n(cover->near, nearColumns, 0.0);
 
-    double coverage = 0;
-    int32_t runStart = 0;
+    double right = 0; /* coverage to the right of the ends so far */
+    int32_t runStart = nearColumns;
     for (size_t w = 0; w < TouchedWords(cover->width); w++) {
         uint64_t bits = cover->touched[w];
         if (bits == 0) continue;
         cover->touched[w] = 0;
         for (; bits; bits &= bits - 1) {
             const int32_t x = static_cast<int32_t>(w * 64) + std::countr_zero(bits);
-            if (coverage != 0)
-                FillRun(row + runStart, std::min(x, cover->width) - runStart, CoverByte(coverage, scale, hard));
-            coverage += cover->change[x];
-            cover->change[x] = 0;
-            runStart = x;
+            COLUMNENDS *ends = cover->ends + x;
+            if (right != 0 && x > runStart) FillRun(row + runStart, x - runStart, CoverByte(right, scale, hard));
+            right += ends->count;
+            const double coverage = right - ends->before;
+            if (coverage != 0) row[x] = CoverByte(coverage, scale, hard);
+            *ends = {0, 0};
+            runStart = x + 1;
         }
     }
-    if (coverage != 0) FillRun(row + runStart, cover->width - runStart, CoverByte(coverage, scale, hard));
+    if (right != 0) FillRun(row + runStart, cover->width - runStart, CoverByte(right, scale, hard));
 }
 
 } // namespace
 
 int RowCoverAlloc(int32_t width, ROWCOVER *cover)
 {
+    const size_t columns = std::max<size_t>(static_cast<size_t>(width), 1);
     *cover = {{}, nullptr, nullptr, width};
-    cover->change = static_cast<double *>(BufAlloc(bufZero, (static_cast<size_t>(width) + 3) * sizeof(double)));
-    cover->touched = static_cast<uint64_t *>(BufAlloc(bufZero, TouchedWords(width) * sizeof(uint64_t)));
-    return cover->change && cover->touched;
+    cover->ends = static_cast<COLUMNENDS *>(BufAlloc(bufZero, columns * sizeof(COLUMNENDS)));
+    cover->touched = static_cast<uint64_t *>(BufAlloc(bufZero, (columns + 63) / 64 * sizeof(uint64_t)));
+    return cover->ends && cover->touched;
 }
 
 void RowCoverFree(ROWCOVER *cover)
 {
-    BufFree(cover->change);
+    BufFree(cover->ends);
     BufFree(cover->touched);
 }
 
-void BandToMask8(const EDGETABLE *table, PATHBUF buf, int evenOdd, int hard, ROWCOVER *cover)
+void BandToMask8(EDGETABLE *table, PATHBUF buf, int evenOdd, int hard, ROWCOVER *cover)
 {
     const BUFINFO info = BufInfo(buf);
     const double scale = 256 / table->rowsPerPixel;
-    uint32_t row = 0;
+    size_t row = 0;
     for (int32_t y = table->top; y < table->bottom; y++) {
         for (int32_t sample = 0; sample < table->rowsPerPixel; sample++, row++) {
-            uint32_t count;
-            const double *entries = EdgeTablePlainRow(table, row, &count);
-            SPANWALK walk;
             double from;
             double to;
-            for (SpanStart(entries, count, evenOdd, &walk); SpanNext(&walk, &from, &to);) AddSpan(from, to, cover);
+            if (SpanOfPair(table, row, evenOdd, &from, &to)) {
+                AddSpan(from, to, cover);
+                continue;
+            }
+            SPANWALK walk;
+            for (SpanStart(table, row, evenOdd, &walk); SpanNext(&walk, &from, &to);) AddSpan(from, to, cover);
         }
         WriteRow(BufRow(buf, info, y), scale, hard, cover);
     }

@@ -59,13 +59,13 @@ PATHBUF PathBufForRect(int32_t left, int32_t top, int32_t right, int32_t bottom,
 PATHREC *PathNextGroup(PATHREC *path);
 
 /* ---- edge tables ----
- * A crossing is where an edge meets a sample row, with the edge's direction as its sign: positive towards larger y.
- * Order of calls: EdgeTableAlloc, PathAddEdges for each record, EdgeTableSort, then the rows, EdgeTableFree. */
+ * A crossing is where an edge meets a row, with the edge's direction as its sign: positive towards larger y. Masks keep
+ * bare crossings; the tables that other rooms ask for here know the node of each. */
 
 enum EDGEMODE {
-    EDGES_PLAIN,  /* rows of bare crossings, for masks */
-    EDGES_ROWS,   /* rows whose entries know their node */
-    EDGES_COLUMNS /* the same with x and y of every point exchanged: the table's rows are pixel columns */
+    EDGES_PLAIN,  /* bare crossings, for masks */
+    EDGES_ROWS,   /* with nodes */
+    EDGES_COLUMNS /* with nodes, x and y of every point exchanged: the table's rows are pixel columns */
 };
 
 struct EDGEENTRY {
@@ -76,24 +76,16 @@ struct EDGEENTRY {
 
 struct EDGETABLE;
 
-/* An empty table of the pixel rows from top to bottom, each of 1, 4 or 16 sample rows. 1; 0, with nothing changed, when
- * *table holds one already, and 0 without memory. */
-int EdgeTableAlloc(EDGEMODE mode, int32_t top, int32_t bottom, int32_t rowsPerPixel, EDGETABLE **table);
+/* The crossings of every record of the join chain that begins with path with the pixel rows (or columns) 0 to
+ * rowCount - 1, one sample row each; the origin lies at (left, top) in zoomed pixels. x lies at v x zoom - left,
+ * without the half pixel that y has: that is how rows of one sample are placed. Rows are sorted by magnitude, of equal
+ * crossings the positive comes first, then the one that was walked first. 1; 0, with *table null, without memory. */
+int EdgeTableOfChain(EDGEMODE mode, PATHREC *path, double zoom, int32_t left, int32_t top, int32_t rowCount,
+                     EDGETABLE **table);
 
-/* Adds the crossings of one record. With one sample row a pixel, x lies at v x zoom - left, without the half pixel that
- * everything else has. 1; 0 when the table is null, out of memory or over its limit: it is then only fit to be freed.
- */
-int PathAddEdges(PATHREC *path, double zoom, int32_t left, int32_t originTop, EDGETABLE *table);
-
-/* Puts the crossings into their rows, each in order of magnitude. Of equal ones the positive come first in a plain
- * table; with nodes they keep the order in which they were added, which decides what the exact surface sees at a
- * corner. Rows can be read from now on, and nothing more can be added. 1; 0 without memory or a table. */
-int EdgeTableSort(EDGETABLE *table);
-
-/* How many sample rows the table has. */
 uint32_t EdgeTableRows(const EDGETABLE *table);
 
-/* The entries of a row, for a table with nodes; null and a count of 0 for a row without any. */
+/* The entries of a row and an empty one behind the last; null and a count of 0 for a row that does not exist. */
 EDGEENTRY *EdgeTableRow(EDGETABLE *table, uint32_t row, uint32_t *count);
 
 /* 1; 0 for null. */

@@ -2,8 +2,9 @@
 #ifndef ZR32_SPANS_H
 #define ZR32_SPANS_H
 
-#include <cmath>
-#include <cstdint>
+#include "raster/edgetable.h"
+
+#include <algorithm>
 
 namespace zr32 {
 
@@ -15,10 +16,25 @@ struct SPANWALK {
     int evenOdd;
 };
 
-/* A row with fewer than two crossings has no spans: a lone crossing is dropped. */
-inline void SpanStart(const double *entries, uint32_t count, int evenOdd, SPANWALK *walk)
+/* Sorts the row and begins with its first span. A row with fewer than two crossings has none: a lone crossing is
+ * dropped. */
+inline void SpanStart(EDGETABLE *table, size_t row, int evenOdd, SPANWALK *walk)
 {
-    *walk = {entries, count < 2 ? 0 : count, 0, 0, evenOdd};
+    const uint32_t count = EdgeTableRowCount(table, row);
+    *walk = {count < 2 ? nullptr : EdgeTableSortRow(table, row), count < 2 ? 0 : count, 0, 0, evenOdd};
+}
+
+/* The span of a row that consists of one: most rows do. 0 when the row is not such a one. */
+inline int SpanOfPair(const EDGETABLE *table, size_t row, int evenOdd, double *from, double *to)
+{
+    if (EdgeTableRowCount(table, row) != 2) return 0;
+    const double *entries = table->crossings + table->rowStart[row];
+    const double a = entries[0];
+    const double b = entries[1];
+    if (!evenOdd && !(a > 0 && b < 0) && !(a < 0 && b > 0)) return 0;
+    *from = std::min(std::fabs(a), std::fabs(b));
+    *to = std::max(std::fabs(a), std::fabs(b));
+    return *from != *to;
 }
 
 /* The next span, from |a| to |b|; spans of no length are passed over. 0 at the end. In a row that is not balanced the
