@@ -5,20 +5,6 @@
 
 namespace zr32 {
 
-/* Null when memory is short at any step: a table without all its edges would show holes that are not there. */
-static EDGETABLE *MakeEdgeTable(EDGEMODE mode, PATHREC *path, double zoom, const SURFACEEDGES *edges)
-{
-    const int32_t rows = mode == EDGES_COLUMNS ? edges->width : edges->height;
-    EDGETABLE *table = nullptr;
-    if (!EdgeTableAlloc(mode, 0, rows, 1, &table)) return nullptr;
-    int complete = 1;
-    for (PATHREC *record = path; record && complete; record = record->nextJoin)
-        complete = PathAddEdges(record, zoom, edges->originX, edges->originY, table);
-    if (complete && EdgeTableSort(table)) return table;
-    EdgeTableFree(table);
-    return nullptr;
-}
-
 void VMapBuildEdgeTables(PATHREC *path, FIXED zoom, SURFACEEDGES *edges)
 {
     *edges = {};
@@ -28,8 +14,9 @@ void VMapBuildEdgeTables(PATHREC *path, FIXED zoom, SURFACEEDGES *edges)
     edges->originY = static_cast<int32_t>(rect.top);
     edges->width = WrapSub(static_cast<int32_t>(rect.right), edges->originX);
     edges->height = WrapSub(static_cast<int32_t>(rect.bottom), edges->originY);
-    edges->rows = MakeEdgeTable(EDGES_ROWS, path, FixToDouble(zoom), edges);
-    if (edges->rows) edges->columns = MakeEdgeTable(EDGES_COLUMNS, path, FixToDouble(zoom), edges);
+    const double scale = FixToDouble(zoom);
+    if (EdgeTableOfChain(EDGES_ROWS, path, scale, edges->originX, edges->originY, edges->height, &edges->rows))
+        EdgeTableOfChain(EDGES_COLUMNS, path, scale, edges->originX, edges->originY, edges->width, &edges->columns);
 }
 
 void SurfaceEdgesFree(SURFACEEDGES *edges)
