@@ -41,7 +41,7 @@ uint32_t CodePageToUnicode(UINT codePage, UINT character)
     const CODEPAGE *page = PageOf(codePage);
     if (!page || character > 0xFFFF) return 0;
     iconv_t converter = iconv_open("UTF-32LE", page->name);
-    if (converter == reinterpret_cast<iconv_t>(-1)) return 0;
+    if (reinterpret_cast<intptr_t>(converter) == -1) return 0;
 
     char bytes[2] = {static_cast<char>(character >> 8), static_cast<char>(character & 0xFF)};
     char *in = character > 0xFF ? bytes : bytes + 1;
@@ -66,7 +66,7 @@ int lstrlenA(const char *text)
 
 char *lstrcpyA(char *to, const char *text)
 {
-    return to && text ? strcpy(to, text) : nullptr;
+    return to && text ? static_cast<char *>(memcpy(to, text, strlen(text) + 1)) : nullptr;
 }
 
 BOOL IsDBCSLeadByte(BYTE byte)

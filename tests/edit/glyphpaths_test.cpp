@@ -13,7 +13,7 @@ using namespace zr32;
 
 namespace {
 
-constexpr FIXED one = 0x10000;
+constexpr ZRFIXED one = 0x10000;
 
 using BYTES = std::vector<uint8_t>;
 
@@ -26,11 +26,11 @@ template <typename WORD_> void Put(WORD_ word, BYTES *bytes)
 
 struct CURVE {
     uint16_t type; /* 1 lines, 2 quadratic spline */
-    std::vector<POINTFX> points;
+    std::vector<ZRPOINTFX> points;
 };
 
 /* The bytes of one contour, y upward. */
-BYTES Contour(POINTFX start, const std::vector<CURVE> &curves)
+BYTES Contour(ZRPOINTFX start, const std::vector<CURVE> &curves)
 {
     BYTES bytes;
     Put(uint32_t{0}, &bytes);
@@ -39,7 +39,7 @@ BYTES Contour(POINTFX start, const std::vector<CURVE> &curves)
     for (const CURVE &curve : curves) {
         Put(curve.type, &bytes);
         Put(static_cast<uint16_t>(curve.points.size()), &bytes);
-        for (const POINTFX &p : curve.points) Put(p, &bytes);
+        for (const ZRPOINTFX &p : curve.points) Put(p, &bytes);
     }
     const uint32_t size = static_cast<uint32_t>(bytes.size());
     memcpy(bytes.data(), &size, sizeof(size));
@@ -91,12 +91,12 @@ PATHREC *Paths(const std::vector<GLYPH> &glyphs, int32_t vertical = 0)
     return path;
 }
 
-void ExpectNode(const PATHREC *path, uint32_t index, uint16_t type, FIXED x, FIXED y)
+void ExpectNode(const PATHREC *path, uint32_t index, uint16_t type, ZRFIXED x, ZRFIXED y)
 {
     ASSERT_LT(index, path->nodeCount);
     EXPECT_EQ(uint16_t{path->nodes[index].type}, type) << "type of node " << index;
-    EXPECT_EQ(FIXED{path->nodes[index].x}, x) << "x of node " << index;
-    EXPECT_EQ(FIXED{path->nodes[index].y}, y) << "y of node " << index;
+    EXPECT_EQ(ZRFIXED{path->nodes[index].x}, x) << "x of node " << index;
+    EXPECT_EQ(ZRFIXED{path->nodes[index].y}, y) << "y of node " << index;
 }
 
 size_t ChainLength(const PATHREC *path)
@@ -180,7 +180,8 @@ TEST(GlyphPaths, PenIsAddedBeforeRaisingAndFractionsStay)
     PATHREC *path = Paths({{{}, 3, 4, -1}, {glyph, 0, 0, 0}});
     ExpectNode(path, 0, 6, 6 * one + one / 2, -one / 4);
     /* from (6.5, -0.25) to control (7, 0): thirds of placed values */
-    ExpectNode(path, 1, 4, static_cast<FIXED>((int64_t{6 * one + one / 2} + 2 * int64_t{7 * one}) / 3), (-one / 4) / 3);
+    ExpectNode(path, 1, 4, static_cast<ZRFIXED>((int64_t{6 * one + one / 2} + 2 * int64_t{7 * one}) / 3),
+               (-one / 4) / 3);
     ZrPathDeletePtr(path, 0);
 }
 
@@ -259,11 +260,11 @@ TEST(GlyphPaths, LongContourGrowsItsRecord)
 TEST(GlyphPaths, RaisedCubicsAreTheQuadratics)
 {
     std::mt19937 random(5);
-    std::uniform_int_distribution<FIXED> place(-400 * one, 400 * one);
+    std::uniform_int_distribution<ZRFIXED> place(-400 * one, 400 * one);
     for (int n = 0; n < 50; n++) {
-        std::vector<POINTFX> q;
+        std::vector<ZRPOINTFX> q;
         for (int i = 0; i < 2 + n % 6; i++) q.push_back({place(random), place(random)});
-        const POINTFX start = {place(random), place(random)};
+        const ZRPOINTFX start = {place(random), place(random)};
         PATHREC *path = Paths({{Contour(start, {{2, q}}), 0, 0, 0}});
         /* The quadratics one by one, in doubles, y turned over. */
         double ax = start.x, ay = -static_cast<double>(start.y);
@@ -292,7 +293,7 @@ TEST(GlyphPaths, RaisedCubicsAreTheQuadratics)
 
 TEST(GlyphPaths, HugeCoordinatesDoNotFault)
 {
-    const FIXED low = INT32_MIN, high = INT32_MAX;
+    const ZRFIXED low = INT32_MIN, high = INT32_MAX;
     PATHREC *path =
         Paths({{{}, 0, 0x7FFF, 0},
                {Contour({low, low}, {{2, {{high, high}, {low, high}, {high, low}}}, {1, {{low, high}}}}), 0, 0, 0}});

@@ -68,7 +68,7 @@ size_t ChainLength(const PATHREC *path)
 }
 
 /* The chain's nodes as (type, x, y), moved. */
-std::vector<PATHNODE> Nodes(const PATHREC *path, FIXED dx = 0, FIXED dy = 0)
+std::vector<PATHNODE> Nodes(const PATHREC *path, ZRFIXED dx = 0, ZRFIXED dy = 0)
 {
     std::vector<PATHNODE> nodes;
     for (; path; path = path->nextJoin)
@@ -102,9 +102,9 @@ RECT Box(const PATHREC *path)
     return rect;
 }
 
-constexpr FIXED Whole(int64_t pixels)
+constexpr ZRFIXED Whole(int64_t pixels)
 {
-    return static_cast<FIXED>(pixels * 65536);
+    return static_cast<ZRFIXED>(pixels * 65536);
 }
 
 const char *const family = "Liberation Sans";
@@ -237,7 +237,7 @@ TEST(Text, DiagnosticGoesOutBeforeEachLine)
 TEST(Text, LinesStackByTheFontsHeight)
 {
     TEXTDC dc = TextDcMake(family, 50);
-    const FIXED height = Whole(Metrics(dc.dc).tmHeight);
+    const ZRFIXED height = Whole(Metrics(dc.dc).tmHeight);
     MADE first = MakePaths(dc.dc, "ab");
     MADE third = MakePaths(dc.dc, "cd");
     MADE made = MakePaths(dc.dc, "ab\r\n\r\ncd\r\n");
@@ -253,7 +253,7 @@ TEST(Text, LinesStackByTheFontsHeight)
 TEST(Text, VerticalLinesStackFromRightToLeft)
 {
     TEXTDC dc = TextDcMake(family, 50);
-    const FIXED width = Whole(Metrics(dc.dc).tmMaxCharWidth);
+    const ZRFIXED width = Whole(Metrics(dc.dc).tmMaxCharWidth);
     TEXTPARAM param = {};
     param.vertical = 1;
     MADE first = MakePaths(dc.dc, "ab", param);
@@ -269,8 +269,8 @@ TEST(Text, VerticalLinesStackFromRightToLeft)
     ASSERT_GT(whole.size(), tail.size());
     for (size_t i = 0; i < tail.size(); i++) { /* thirds are cut on placed values, so by one unit at most */
         const PATHNODE &node = whole[whole.size() - tail.size() + i];
-        EXPECT_EQ(FIXED{node.x}, FIXED{tail[i].x});
-        EXPECT_NEAR(FIXED{node.y}, FIXED{tail[i].y}, 1);
+        EXPECT_EQ(ZRFIXED{node.x}, ZRFIXED{tail[i].x});
+        EXPECT_NEAR(ZRFIXED{node.y}, ZRFIXED{tail[i].y}, 1);
     }
     Free(&first);
     Free(&second);
@@ -315,7 +315,7 @@ TEST(Text, LinesBehindThe2047thAreLeftOut)
 TEST(Text, AlignMovesShorterLinesInWholePixels)
 {
     TEXTDC dc = TextDcMake(family, 50);
-    const FIXED height = Whole(Metrics(dc.dc).tmHeight);
+    const ZRFIXED height = Whole(Metrics(dc.dc).tmHeight);
     MADE wide = MakePaths(dc.dc, "wide");
     MADE shorter = MakePaths(dc.dc, "i");
     const int32_t difference = static_cast<int32_t>((Box(wide.path).right - Box(wide.path).left) -
@@ -348,11 +348,11 @@ TEST(Text, AlignOfVerticalTextComparesHeights)
     MADE shorter = MakePaths(dc.dc, "x", param);
     const int32_t difference = static_cast<int32_t>((Box(tall.path).bottom - Box(tall.path).top) -
                                                     (Box(shorter.path).bottom - Box(shorter.path).top));
-    const FIXED width = Whole(Metrics(dc.dc).tmMaxCharWidth);
+    const ZRFIXED width = Whole(Metrics(dc.dc).tmMaxCharWidth);
     for (const int32_t align : {1001, 1002}) {
         param.align = align;
         MADE made = MakePaths(dc.dc, "abc\r\nx", param);
-        const FIXED move = Whole(align == 1001 ? difference : difference / 2);
+        const ZRFIXED move = Whole(align == 1001 ? difference : difference / 2);
         EXPECT_TRUE(Same(Nodes(made.path), Nodes(tall.path) + Nodes(shorter.path, -width, move)));
         Free(&made);
     }
@@ -372,11 +372,11 @@ TEST(Text, BarsDoNotChangeTheMeasureOfALine)
     param.underline = param.strikeout = 1;
     MADE barred = MakePaths(dc.dc, "wide\r\ni", param);
     EXPECT_EQ(ChainLength(barred.path), ChainLength(plain.path) + 4);
-    EXPECT_EQ(FIXED{barred.path->nodes[0].x}, FIXED{plain.path->nodes[0].x});
+    EXPECT_EQ(ZRFIXED{barred.path->nodes[0].x}, ZRFIXED{plain.path->nodes[0].x});
     const PATHREC *plainLast = ChainLast(joinChain, plain.path);
     const PATHREC *dot = ChainLast(joinChain, barred.path)->prevJoin->prevJoin;
-    EXPECT_EQ(FIXED{dot->nodes[0].x}, FIXED{plainLast->nodes[0].x});
-    EXPECT_EQ(FIXED{dot->nodes[0].y}, FIXED{plainLast->nodes[0].y});
+    EXPECT_EQ(ZRFIXED{dot->nodes[0].x}, ZRFIXED{plainLast->nodes[0].x});
+    EXPECT_EQ(ZRFIXED{dot->nodes[0].y}, ZRFIXED{plainLast->nodes[0].y});
     Free(&plain);
     Free(&barred);
     TextDcFree(&dc);
@@ -416,8 +416,8 @@ TEST(Text, BarIsSizedAndPlacedByTheBox)
         const int32_t ys[5] = {c.t, c.t, c.b, c.b, c.t};
         for (uint32_t i = 0; i < 5; i++) {
             EXPECT_EQ(uint16_t{bar->nodes[i].type}, types[i]) << i;
-            EXPECT_EQ(FIXED{bar->nodes[i].x}, Whole(xs[i])) << i;
-            EXPECT_EQ(FIXED{bar->nodes[i].y}, Whole(ys[i])) << i;
+            EXPECT_EQ(ZRFIXED{bar->nodes[i].x}, Whole(xs[i])) << i;
+            EXPECT_EQ(ZRFIXED{bar->nodes[i].y}, Whole(ys[i])) << i;
         }
         ZrPathDeletePtr(path, 0);
     }
@@ -433,10 +433,10 @@ TEST(Text, BarHangsBehindTheTailAndMeasuresTheBarBefore)
     ASSERT_EQ(TextAddBar(path, TEXTBAR_STRIKEOUT, 0), 1); /* measured over 0 to 115: 11 thick, 63 down */
     const PATHREC *underline = second->nextJoin;
     const PATHREC *strike = underline->nextJoin;
-    EXPECT_EQ(FIXED{underline->nodes[0].y}, Whole(105));
-    EXPECT_EQ(FIXED{underline->nodes[2].x}, Whole(90));
-    EXPECT_EQ(FIXED{strike->nodes[0].y}, Whole(63));
-    EXPECT_EQ(FIXED{strike->nodes[2].y}, Whole(74));
+    EXPECT_EQ(ZRFIXED{underline->nodes[0].y}, Whole(105));
+    EXPECT_EQ(ZRFIXED{underline->nodes[2].x}, Whole(90));
+    EXPECT_EQ(ZRFIXED{strike->nodes[0].y}, Whole(63));
+    EXPECT_EQ(ZRFIXED{strike->nodes[2].y}, Whole(74));
     EXPECT_EQ(strike->nextJoin, nullptr);
     ZrPathDeletePtr(path, 0);
 }
@@ -450,8 +450,8 @@ TEST(Text, BarRunsAsTheOuterContoursDo)
         ChainLink(tableChain, path, hole);
         ASSERT_EQ(TextAddBar(path, TEXTBAR_STRIKEOUT, 0), 1);
         const PATHNODE &second = hole->nextJoin->nodes[1];
-        EXPECT_EQ(FIXED{second.x}, Whole(clockwise ? 50 : 0));
-        EXPECT_EQ(FIXED{second.y}, Whole(clockwise ? 55 : 65));
+        EXPECT_EQ(ZRFIXED{second.x}, Whole(clockwise ? 50 : 0));
+        EXPECT_EQ(ZRFIXED{second.y}, Whole(clockwise ? 55 : 65));
         ZrPathDeletePtr(path, 0);
     }
 }
