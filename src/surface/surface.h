@@ -50,7 +50,7 @@ constexpr int32_t progressEnd = 4;
 
 /* Sub-codes of the report of an abort, errorCancelled. */
 constexpr int32_t abortInPrimitive = 19;
-constexpr int32_t abortInMitre = 20; /* also: a plane that cannot be had */
+constexpr int32_t abortInMitre = 20; /* with errorMemory: a plane that cannot be had */
 constexpr int32_t abortInSweep = 21;
 
 /* The callback's answer; 1 without a record or a callback. */

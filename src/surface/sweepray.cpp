@@ -1,0 +1,125 @@
+/* sweepray.cpp - rays from the outline into the shape: the edge sweep, and its variant for envelope frames.
+ *
+ * Comes in: a sample with the normal on the shape's side. Goes out: the pixels along that normal, each with its squared
+ * distance from the outline and the vector that leads back to it. The cost follows the outline's length times the
+ * width.
+ */
+#include "surface/offsetmerge.h"
+#include "surface/sweep.h"
+
+namespace zr32 {
+
+/* A pixel that no ray is in before it starts. */
+constexpr int32_t noPixel = 0xffffff;
+
+/* On the rim the distance is overwritten, whatever stands there; the vector, half a pixel out of the shape, gives way
+ * to one that is shorter than 1.5 pixels. */
+static void WriteRim(const SWEEP *sweep, size_t index)
+{
+    if (sweep->planes.dist) sweep->planes.dist[index] = distOnOutline;
+    if (!sweep->planes.vectors) return;
+    SURFVEC16 *const pixel = sweep->planes.vectors + index;
+    const POINTDB first = FirstVector(pixel);
+    if ((pixel->x1 == 0 && pixel->y1 == 0) || Length(first) >= 1.5)
+        *pixel = {VectorWord(sweep->n.x * -128), VectorWord(sweep->n.y * -128), 0, 0};
+}
+
+/* Outside positions of the rim leave pixels alone that the shape already covers well. */
+static int RimIsCovered(const SWEEP *sweep, double t, int32_t px, int32_t py)
+{
+    if (t == 0) return 0;
+    const uint8_t byte = SweepMaskByte(sweep, px, py);
+    return byte > (t == -1 ? 0x80 : 0xf0);
+}
+
+static void WriteInterior(const SWEEP *sweep, const POINTDB &q, int32_t px, int32_t py, size_t index)
+{
+    const POINTDB v = OffsetToFoot(q, px, py, sweep->p, sweep->n);
+    const double lengthSq = Dot(v, v);
+    if (sweep->planes.dist) MergeDistance(lengthSq, sweep->planes.dist + index);
+    if (sweep->planes.vectors) MergeRayVector(v, lengthSq, sweep->onCurve, sweep->planes.vectors + index);
+}
+
+double RayEntry(const POINTDB &origin, const POINTDB &direction, double from, double step, double width, double height)
+{
+    const double at[2] = {origin.x, origin.y};
+    const double along[2] = {direction.x, direction.y};
+    const double size[2] = {width, height};
+    double entry = from;
+    for (int axis = 0; axis < 2; axis++) {
+        const double start = at[axis] + from * along[axis];
+        if (start >= 1 && start < size[axis]) continue;
+        if (start < 1 ? !(along[axis] > 0) : !(along[axis] < 0)) return farthestRay; /* it never comes nearer */
+        const double reached = ((start < 1 ? 1 : size[axis]) - at[axis]) / along[axis];
+        if (!(reached < farthestRay)) return farthestRay;
+        if (reached > entry) entry = reached;
+    }
+    /* Two steps and a little are left to the rounding of the sums above. */
+    const double steps = std::floor((entry - from - entry * 1e-9) / step) - 2;
+    return steps > 0 ? from + steps * step : from;
+}
+
+/* The last position at or before reach. */
+static double RayLast(double from, double step, double reach)
+{
+    double last = from + std::floor((reach - from) / step) * step;
+    while (last > reach) last -= step;
+    return last;
+}
+
+static void CastRay(SWEEP *sweep)
+{
+    const double reach = sweep->reach < farthestRay ? sweep->reach : farthestRay;
+    const double step = sweep->rayStep;
+    const double from = sweep->rayStart;
+    if (!(from <= sweep->reach)) return;
+    int32_t lastX = noPixel;
+    int32_t lastY = noPixel;
+    for (double t = RayEntry(sweep->p, sweep->n, from, step, sweep->width, sweep->height); t <= reach; t += step) {
+        const POINTDB q = sweep->p + sweep->n * t;
+        if (!RayOnRaster(q, sweep->width, sweep->height)) {
+            if (RayHasLeft(q, sweep->n, sweep->width, sweep->height)) break;
+            continue;
+        }
+        const int32_t px = static_cast<int32_t>(q.x);
+        const int32_t py = static_cast<int32_t>(q.y);
+        if (px == lastX && py == lastY) continue;
+        lastX = px;
+        lastY = py;
+        size_t index;
+        if (!SweepPlanePixel(sweep, q, &index)) continue;
+        if (t > 0)
+            WriteInterior(sweep, q, px, py, index);
+        else if (!RimIsCovered(sweep, t, px, py))
+            WriteRim(sweep, index);
+    }
+    if (sweep->onCurve) sweep->lastEnd = sweep->p + sweep->n * RayLast(from, step, reach);
+}
+
+static constexpr SWEEPRULES edgeRules = {CastRay, 1, 1, 0.0, 1, abortInSweep, 0};
+static constexpr SWEEPRULES envelopeRules = {CastRay, 0, 1, 0.0, 1, abortInSweep, 1};
+
+int VMapEdgeSweep(PATHREC *path, double width, int32_t outset, const SURFACEMAP *map, PATHBUF mask)
+{
+    if (!path || width == 0 || !MapHasPlanes(map) || !mask) return 0;
+    SWEEP sweep;
+    SweepInit(&edgeRules, map, mask, width, &sweep);
+    sweep.rayStart = outset < 0 ? -1 : 0;
+    return SweepChain(path, &sweep);
+}
+
+int VMapEnvelopeSweep(PATHREC *lattice, double width, const SURFACEMAP *map, PATHBUF mask, int32_t maskLeft,
+                      int32_t maskTop)
+{
+    if (!lattice || width == 0 || !MapHasPlanes(map) || !mask) return 0;
+    SWEEP sweep;
+    SweepInit(&envelopeRules, map, mask, width, &sweep);
+    sweep.rayStart = -1;
+    sweep.place = PlaceOnMask(map->zoom, maskLeft, maskTop);
+    sweep.shift = {static_cast<double>(map->originX) - maskLeft, static_cast<double>(map->originY) - maskTop};
+    sweep.width = sweep.maskInfo.width;
+    sweep.height = sweep.maskInfo.height;
+    return SweepChain(lattice, &sweep);
+}
+
+} // namespace zr32
