@@ -33,9 +33,11 @@ uint32_t CountOf(HDC dc, const char *text, uint8_t charSet)
     return count;
 }
 
+struct Glyphs : NEEDSFONT {};
+
 } // namespace
 
-TEST(Glyphs, TableHoldsOutlinesAndWidths)
+TEST_F(Glyphs, TableHoldsOutlinesAndWidths)
 {
     ZrPathInit();
     TEXTDC text = TextDcMake("Liberation Sans", 40);
@@ -59,7 +61,7 @@ TEST(Glyphs, TableHoldsOutlinesAndWidths)
     TextDcFree(&text);
 }
 
-TEST(Glyphs, SlantShearsSingleBytesInTheNamedSetsOnly)
+TEST_F(Glyphs, SlantShearsSingleBytesInTheNamedSetsOnly)
 {
     ZrPathInit();
     TEXTDC text = TextDcMake("Liberation Sans", 40);
@@ -82,7 +84,7 @@ TEST(Glyphs, SlantShearsSingleBytesInTheNamedSetsOnly)
     TextDcFree(&text);
 }
 
-TEST(Glyphs, ShearAddsThreeTenthsOfTheHeight)
+TEST_F(Glyphs, ShearAddsThreeTenthsOfTheHeight)
 {
     ZrPathInit();
     TEXTDC text = TextDcMake("Liberation Sans", 100);
@@ -100,7 +102,7 @@ TEST(Glyphs, ShearAddsThreeTenthsOfTheHeight)
     TextDcFree(&text);
 }
 
-TEST(Glyphs, WithoutADeviceContextThereIsNoTable)
+TEST(GlyphsNoFont, WithoutADeviceContextThereIsNoTable)
 {
     ZrPathInit();
     const int64_t before = FaultLiveBlocks(ALLOC_PATHHEAP);
@@ -114,7 +116,7 @@ TEST(Glyphs, WithoutADeviceContextThereIsNoTable)
     EXPECT_EQ(FaultLiveBlocks(ALLOC_PATHHEAP), before);
 }
 
-TEST(Glyphs, EveryFailedAllocationFreesTheTable)
+TEST_F(Glyphs, EveryFailedAllocationFreesTheTable)
 {
     ZrPathInit();
     TEXTDC text = TextDcMake("Liberation Sans", 40);
@@ -131,7 +133,7 @@ TEST(Glyphs, EveryFailedAllocationFreesTheTable)
 }
 
 #if !defined(_WIN32) /* the code page is the system's own there */
-TEST(Glyphs, LeadBytesTakeTheNextByteAlong)
+TEST_F(Glyphs, LeadBytesTakeTheNextByteAlong)
 {
     ZrPathInit();
     PortSetCodePage(932);
@@ -154,7 +156,7 @@ TEST(Glyphs, LeadBytesTakeTheNextByteAlong)
     TextDcFree(&text);
 }
 
-TEST(Glyphs, SlantShearsDoubleBytesInEverySet)
+TEST_F(Glyphs, SlantShearsDoubleBytesInEverySet)
 {
     ZrPathInit();
     PortSetCodePage(936);

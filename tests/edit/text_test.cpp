@@ -109,9 +109,11 @@ constexpr ZRFIXED Whole(int64_t pixels)
 
 const char *const family = "Liberation Sans";
 
+struct Text : NEEDSFONT {};
+
 } // namespace
 
-TEST(Text, WithoutALineThereIsNothing)
+TEST_F(Text, WithoutALineThereIsNothing)
 {
     TEXTDC dc = TextDcMake(family, 80);
     for (const char *text : {"", "\r\n", "\r\n\r\n", "\n", "\r"}) {
@@ -123,7 +125,7 @@ TEST(Text, WithoutALineThereIsNothing)
     TextDcFree(&dc);
 }
 
-TEST(Text, BlanksAloneAreNothing)
+TEST_F(Text, BlanksAloneAreNothing)
 {
     TEXTDC dc = TextDcMake(family, 80);
     MADE made = Make(dc.dc, " \t \r\n  ");
@@ -134,7 +136,7 @@ TEST(Text, BlanksAloneAreNothing)
     TextDcFree(&dc);
 }
 
-TEST(Text, NullArgumentsAreRefused)
+TEST(TextNoFont, NullArgumentsAreRefused)
 {
     char text[] = "a";
     TEXTPARAM param = {};
@@ -146,7 +148,7 @@ TEST(Text, NullArgumentsAreRefused)
     EXPECT_EQ(ZrPathCreateText(nullptr, text, &param, &path, nullptr), nullptr);
 }
 
-TEST(Text, NullDeviceContextGivesNothingButCleansTheText)
+TEST(TextNoFont, NullDeviceContextGivesNothingButCleansTheText)
 {
     TEXTPARAM param = {};
     param.underline = param.strikeout = 1;
@@ -156,7 +158,7 @@ TEST(Text, NullDeviceContextGivesNothingButCleansTheText)
     EXPECT_EQ(made.text, "a b\r\nc");
 }
 
-TEST(Text, TabBecomesABlankThatAdvancesThePen)
+TEST_F(Text, TabBecomesABlankThatAdvancesThePen)
 {
     TEXTDC dc = TextDcMake(family, 80);
     MADE tab = MakePaths(dc.dc, "l\tl\x01l");
@@ -175,7 +177,7 @@ TEST(Text, TabBecomesABlankThatAdvancesThePen)
     TextDcFree(&dc);
 }
 
-TEST(Text, LineIsCutAt54Bytes)
+TEST_F(Text, LineIsCutAt54Bytes)
 {
     TEXTDC dc = TextDcMake(family, 20);
     const struct {
@@ -190,7 +192,7 @@ TEST(Text, LineIsCutAt54Bytes)
 }
 
 #if !defined(_WIN32) /* the code page is the system's own there */
-TEST(Text, DoubleByteCharacterIsNeverCutInHalf)
+TEST_F(Text, DoubleByteCharacterIsNeverCutInHalf)
 {
     PortSetCodePage(932);
     TEXTDC dc = TextDcMake("DejaVu Sans", 20, 0, SHIFTJIS_CHARSET);
@@ -220,7 +222,7 @@ TEST(Text, DoubleByteCharacterIsNeverCutInHalf)
     TextDcFree(&dc);
 }
 
-TEST(Text, DiagnosticGoesOutBeforeEachLine)
+TEST_F(Text, DiagnosticGoesOutBeforeEachLine)
 {
     TEXTDC dc = TextDcMake(family, 20);
     std::vector<std::string> got;
@@ -234,7 +236,7 @@ TEST(Text, DiagnosticGoesOutBeforeEachLine)
 }
 #endif
 
-TEST(Text, LinesStackByTheFontsHeight)
+TEST_F(Text, LinesStackByTheFontsHeight)
 {
     TEXTDC dc = TextDcMake(family, 50);
     const ZRFIXED height = Whole(Metrics(dc.dc).tmHeight);
@@ -250,7 +252,7 @@ TEST(Text, LinesStackByTheFontsHeight)
     TextDcFree(&dc);
 }
 
-TEST(Text, VerticalLinesStackFromRightToLeft)
+TEST_F(Text, VerticalLinesStackFromRightToLeft)
 {
     TEXTDC dc = TextDcMake(family, 50);
     const ZRFIXED width = Whole(Metrics(dc.dc).tmMaxCharWidth);
@@ -279,7 +281,7 @@ TEST(Text, VerticalLinesStackFromRightToLeft)
     TextDcFree(&dc);
 }
 
-TEST(Text, ControlByteTakesTheNextByteAlongWhateverItIs)
+TEST_F(Text, ControlByteTakesTheNextByteAlongWhateverItIs)
 {
     TEXTDC dc = TextDcMake(family, 30);
     const struct {
@@ -299,7 +301,7 @@ TEST(Text, ControlByteTakesTheNextByteAlongWhateverItIs)
     TextDcFree(&dc);
 }
 
-TEST(Text, LinesBehindThe2047thAreLeftOut)
+TEST_F(Text, LinesBehindThe2047thAreLeftOut)
 {
     TEXTDC dc = TextDcMake(family, 8);
     std::string breaks;
@@ -312,7 +314,7 @@ TEST(Text, LinesBehindThe2047thAreLeftOut)
     TextDcFree(&dc);
 }
 
-TEST(Text, AlignMovesShorterLinesInWholePixels)
+TEST_F(Text, AlignMovesShorterLinesInWholePixels)
 {
     TEXTDC dc = TextDcMake(family, 50);
     const ZRFIXED height = Whole(Metrics(dc.dc).tmHeight);
@@ -339,7 +341,7 @@ TEST(Text, AlignMovesShorterLinesInWholePixels)
     TextDcFree(&dc);
 }
 
-TEST(Text, AlignOfVerticalTextComparesHeights)
+TEST_F(Text, AlignOfVerticalTextComparesHeights)
 {
     TEXTDC dc = TextDcMake(family, 50);
     TEXTPARAM param = {};
@@ -361,7 +363,7 @@ TEST(Text, AlignOfVerticalTextComparesHeights)
     TextDcFree(&dc);
 }
 
-TEST(Text, BarsDoNotChangeTheMeasureOfALine)
+TEST_F(Text, BarsDoNotChangeTheMeasureOfALine)
 {
     /* A vertical bar widens nothing along the run; a horizontal one widens no line either, and heights are not
      * compared: the moves are those of the lines without bars. */
@@ -382,7 +384,7 @@ TEST(Text, BarsDoNotChangeTheMeasureOfALine)
     TextDcFree(&dc);
 }
 
-TEST(Text, BarIsSizedAndPlacedByTheBox)
+TEST(TextBar, BarIsSizedAndPlacedByTheBox)
 {
     const struct {
         const char *name;
@@ -423,7 +425,7 @@ TEST(Text, BarIsSizedAndPlacedByTheBox)
     }
 }
 
-TEST(Text, BarHangsBehindTheTailAndMeasuresTheBarBefore)
+TEST(TextBar, BarHangsBehindTheTailAndMeasuresTheBarBefore)
 {
     PATHREC *path = MakeBox(0, 0, 50, 100);
     PATHREC *second = MakeBox(60, 20, 90, 60);
@@ -441,7 +443,7 @@ TEST(Text, BarHangsBehindTheTailAndMeasuresTheBarBefore)
     ZrPathDeletePtr(path, 0);
 }
 
-TEST(Text, BarRunsAsTheOuterContoursDo)
+TEST(TextBar, BarRunsAsTheOuterContoursDo)
 {
     for (const bool clockwise : {true, false}) {
         PATHREC *path = MakeBox(0, 0, 50, 100, clockwise);
@@ -456,7 +458,7 @@ TEST(Text, BarRunsAsTheOuterContoursDo)
     }
 }
 
-TEST(Text, BarCutsNoHolesIntoLetters)
+TEST_F(Text, BarCutsNoHolesIntoLetters)
 {
     TEXTDC dc = TextDcMake(family, 100);
     TEXTPARAM param = {};
@@ -483,7 +485,7 @@ TEST(Text, BarCutsNoHolesIntoLetters)
     TextDcFree(&dc);
 }
 
-TEST(Text, ItalicFontSwitchesTheShearOff)
+TEST_F(Text, ItalicFontSwitchesTheShearOff)
 {
     for (const DWORD italic : {0u, 1u}) {
         TEXTDC dc = TextDcMake(family, 50, italic);
@@ -500,7 +502,7 @@ TEST(Text, ItalicFontSwitchesTheShearOff)
     }
 }
 
-TEST(Text, MaskIsThatOfTheChainAtTheFontsZoom)
+TEST_F(Text, MaskIsThatOfTheChainAtTheFontsZoom)
 {
     const struct {
         const char *name;
@@ -547,7 +549,7 @@ TEST(Text, MaskIsThatOfTheChainAtTheFontsZoom)
     }
 }
 
-TEST(Text, EveryFailedAllocationLeavesNothingBehind)
+TEST_F(Text, EveryFailedAllocationLeavesNothingBehind)
 {
     TEXTDC dc = TextDcMake(family, 70);
     TEXTPARAM param = {};
@@ -581,7 +583,7 @@ TEST(Text, EveryFailedAllocationLeavesNothingBehind)
     TextDcFree(&dc);
 }
 
-TEST(Text, LineWithoutMemoryCountsAsEmpty)
+TEST_F(Text, LineWithoutMemoryCountsAsEmpty)
 {
     TEXTDC dc = TextDcMake(family, 70);
     MADE second = MakePaths(dc.dc, "\r\nb");

@@ -53,9 +53,11 @@ std::string Face(HDC dc)
     return name;
 }
 
+struct PortFont : NEEDSFONT {};
+
 } // namespace
 
-TEST(PortFont, LineGlyphHasItsNumbers)
+TEST_F(PortFont, LineGlyphHasItsNumbers)
 {
     TEXTDC dc = TextDcMake(InstalledTinyFont(), 100); /* a tenth of a pixel a unit */
     GLYPHMETRICS metrics = {};
@@ -82,7 +84,7 @@ TEST(PortFont, LineGlyphHasItsNumbers)
     TextDcFree(&dc);
 }
 
-TEST(PortFont, QuadraticGlyphKeepsItsRuns)
+TEST_F(PortFont, QuadraticGlyphKeepsItsRuns)
 {
     TEXTDC dc = TextDcMake(InstalledTinyFont(), 100);
     const std::vector<BYTE> alternate = Outline(dc.dc, 'Q');
@@ -100,7 +102,7 @@ TEST(PortFont, QuadraticGlyphKeepsItsRuns)
     TextDcFree(&dc);
 }
 
-TEST(PortFont, HeightAboveZeroIsTheCellBelowZeroTheEm)
+TEST_F(PortFont, HeightAboveZeroIsTheCellBelowZeroTheEm)
 {
     const struct {
         int height, width;
@@ -136,7 +138,7 @@ TEST(PortFont, HeightAboveZeroIsTheCellBelowZeroTheEm)
     }
 }
 
-TEST(PortFont, WidthsAddUpToTheAdvance)
+TEST_F(PortFont, WidthsAddUpToTheAdvance)
 {
     TEXTDC dc = TextDcMake(InstalledTinyFont(), 105); /* 'A' from 10.5 to 52.5, advance 63 */
     ABC widths[2] = {};
@@ -156,7 +158,7 @@ TEST(PortFont, WidthsAddUpToTheAdvance)
     TextDcFree(&dc);
 }
 
-TEST(PortFont, MatrixIsAppliedAfterTheScale)
+TEST_F(PortFont, MatrixIsAppliedAfterTheScale)
 {
     TEXTDC dc = TextDcMake(InstalledTinyFont(), 100);
     const MAT2 shear = {one, 0, one / 2, one};
@@ -171,7 +173,7 @@ TEST(PortFont, MatrixIsAppliedAfterTheScale)
     TextDcFree(&dc);
 }
 
-TEST(PortFont, FontWithoutItalicLeansAndSaysSo)
+TEST_F(PortFont, FontWithoutItalicLeansAndSaysSo)
 {
     TEXTDC dc = TextDcMake(InstalledTinyFont(), 100, 1);
     TEXTMETRICA metrics = {};
@@ -185,7 +187,7 @@ TEST(PortFont, FontWithoutItalicLeansAndSaysSo)
     TextDcFree(&real);
 }
 
-TEST(PortFont, CharactersGoThroughTheCodePage)
+TEST_F(PortFont, CharactersGoThroughTheCodePage)
 {
     const struct {
         const char *name;
@@ -217,7 +219,7 @@ TEST(PortFont, CharactersGoThroughTheCodePage)
     PortSetCodePage(1252);
 }
 
-TEST(PortFont, DefaultSetFollowsTheCodePage)
+TEST_F(PortFont, DefaultSetFollowsTheCodePage)
 {
     const struct {
         UINT page;
@@ -238,7 +240,7 @@ TEST(PortFont, DefaultSetFollowsTheCodePage)
     PortSetCodePage(1252);
 }
 
-TEST(PortFont, FaceNameTellsAnUnknownFamily)
+TEST_F(PortFont, FaceNameTellsAnUnknownFamily)
 {
     TEXTDC known = TextDcMake("liberation sans", 20);
     EXPECT_EQ(Face(known.dc), "Liberation Sans");
@@ -259,7 +261,7 @@ TEST(PortFont, FaceNameTellsAnUnknownFamily)
     }
 }
 
-TEST(PortFont, WithoutAFontEverythingFails)
+TEST(PortNoFont, WithoutAFontEverythingFails)
 {
     GLYPHMETRICS glyph;
     TEXTMETRICA metrics;
@@ -274,7 +276,7 @@ TEST(PortFont, WithoutAFontEverythingFails)
     DeleteDC(dc);
 }
 
-TEST(PortFont, BadArgumentsFail)
+TEST_F(PortFont, BadArgumentsFail)
 {
     TEXTDC dc = TextDcMake(InstalledTinyFont(), 100);
     GLYPHMETRICS glyph;
@@ -293,7 +295,7 @@ TEST(PortFont, BadArgumentsFail)
     TextDcFree(&dc);
 }
 
-TEST(PortFont, HugeSizesFailOrStayInRange)
+TEST_F(PortFont, HugeSizesFailOrStayInRange)
 {
     for (const int height : {INT_MAX, INT_MIN, 1000000, -1000000, 30000}) {
         TEXTDC dc = TextDcMake(InstalledTinyFont(), height);
@@ -314,7 +316,7 @@ TEST(PortFont, HugeSizesFailOrStayInRange)
     TextDcFree(&wide);
 }
 
-TEST(PortFont, InstalledFontsHaveSoundOutlines)
+TEST_F(PortFont, InstalledFontsHaveSoundOutlines)
 {
     for (const char *family : {"Liberation Sans", "DejaVu Serif"}) {
         TEXTDC dc = TextDcMake(family, 64);
@@ -341,7 +343,7 @@ TEST(PortFont, InstalledFontsHaveSoundOutlines)
     }
 }
 
-TEST(PortFont, DamagedFontsAreSafe)
+TEST_F(PortFont, DamagedFontsAreSafe)
 {
     std::mt19937 random(4);
     int usable = 0;

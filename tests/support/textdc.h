@@ -1,10 +1,21 @@
-/* textdc.h - a device context with a font, for tests of text. */
+/* textdc.h - a device context with a font, for tests of text, which are skipped in a build without fonts. */
 #ifndef ZR32_TESTS_TEXTDC_H
 #define ZR32_TESTS_TEXTDC_H
 
 #include "platform/platform.h"
 
+#include <gtest/gtest.h>
+
 namespace zr32test {
+
+struct NEEDSFONT : testing::Test {
+    void SetUp() override
+    {
+#if !defined(ZR32_TEST_FONTS)
+        GTEST_SKIP() << "built without fonts";
+#endif
+    }
+};
 
 struct TEXTDC {
     HDC dc;
