@@ -1,7 +1,6 @@
 /* document.cpp - see document.h. */
 #include "support/document.h"
 
-#include "edit/select.h"
 #include "store/store.h"
 
 #include <map>
@@ -12,16 +11,8 @@ namespace zr32test {
 using namespace zr32;
 
 DOCUMENT::DOCUMENT(int32_t width, int32_t height, int32_t zoom, int32_t left, int32_t top)
+    : TESTVIEW(width, height, zoom, 0, 0, left, top)
 {
-    ZrPathInit();
-    ZrPathNew(&table);
-    ZrPathCoordStruct(left, top, left + width, top + height, 0, 0, zoom, table, &view);
-}
-
-DOCUMENT::~DOCUMENT()
-{
-    ZrPathTblDelete(table);
-    ZrPathDeleteCoordStruct(view);
 }
 
 PATHREC *DOCUMENT::Active() const
@@ -49,8 +40,7 @@ PATHREC *DOCUMENT::Add(PATHREC *path)
 void DOCUMENT::Select(const std::vector<PATHREC *> &paths)
 {
     ZrPathDeSelectAll(nullptr, Active(), view, 0);
-    for (PATHREC *path : paths) path->flags = PATHREC_SELECTED;
-    PathRebuildSelected(Active());
+    SelectPaths(paths);
     ZrPathAssignSelectedPath(table, paths.empty() ? nullptr : paths.front());
 }
 
@@ -63,26 +53,13 @@ void DOCUMENT::Draw()
         ZrPathHide(view, nullptr, &dirty);
 }
 
-std::vector<uint8_t> DOCUMENT::Plane() const
-{
-    if (!view->displayBuffer) return {};
-    const size_t size = static_cast<size_t>(view->right - view->left) * static_cast<size_t>(view->bottom - view->top);
-    return {view->displayBuffer, view->displayBuffer + size};
-}
-
 std::vector<uint8_t> DOCUMENT::FreshPlane() const
 {
-    PATHTBL *scratch = nullptr;
-    ZrPathNew(&scratch);
-    COORDSTRUCT *other = nullptr;
-    ZrPathCoordStruct(view->left, view->top, view->right, view->bottom, view->scrollX, view->scrollY, view->zoom,
-                      scratch, &other);
+    const TESTVIEW other(view->right - view->left, view->bottom - view->top, view->zoom, view->scrollX, view->scrollY,
+                         view->left, view->top);
     tagRECT dirty;
-    ZrPathDraw(other, Active(), &dirty);
-    const std::vector<uint8_t> plane(other->displayBuffer, other->displayBuffer + Plane().size());
-    ZrPathDeleteCoordStruct(other);
-    ZrPathTblDelete(scratch);
-    return plane;
+    ZrPathDraw(other.view, Active(), &dirty);
+    return other.Plane();
 }
 
 std::vector<PATHREC *> DOCUMENT::Records() const

@@ -3,21 +3,16 @@
 #define ZR32_TESTS_DOCUMENT_H
 
 #include "support/shapes.h"
+#include "support/views.h"
 
 #include <string>
 #include <vector>
 
 namespace zr32test {
 
-/* One group, a view of width x height at the window's place (left, top). Frees everything at its end. */
-struct DOCUMENT {
-    PATHTBL *table = nullptr;
-    COORDSTRUCT *view = nullptr;
-
+/* What an editor does to the group of a TESTVIEW. */
+struct DOCUMENT : TESTVIEW {
     explicit DOCUMENT(int32_t width = 200, int32_t height = 200, int32_t zoom = 1, int32_t left = 0, int32_t top = 0);
-    ~DOCUMENT();
-    DOCUMENT(const DOCUMENT &) = delete;
-    DOCUMENT &operator=(const DOCUMENT &) = delete;
 
     PATHREC *Active() const;
     PATHREC *Selected() const;
@@ -30,9 +25,6 @@ struct DOCUMENT {
 
     /* Rebuilds the display buffer. */
     void Draw();
-
-    /* The display buffer's bytes, one a view pixel; empty without a buffer. */
-    std::vector<uint8_t> Plane() const;
 
     /* What the buffer would be after a fresh ZrPathDraw of the records as they stand. */
     std::vector<uint8_t> FreshPlane() const;
