@@ -21,10 +21,10 @@ HBITMAP Section(int width, int height, int bitCount, void **bits)
 
 using CALLS = std::vector<std::string>;
 
-void Note(void *user, std::initializer_list<long> values, const char *name)
+void Note(void *user, std::initializer_list<int64_t> values, const char *name)
 {
     std::string text = name;
-    for (long v : values) text += ' ' + std::to_string(v);
+    for (int64_t v : values) text += ' ' + std::to_string(v);
     static_cast<CALLS *>(user)->push_back(text);
 }
 
