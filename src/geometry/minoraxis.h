@@ -28,6 +28,16 @@ inline double MinorSlope(const POINTDB &tangent, MAINAXIS axis)
     return major == 0 ? 0.0 : minor / major;
 }
 
+/* The axis by which a curve's sample is decided. Where the main axis has changed since the sample before, one sample
+ * still goes by the old one, so that the pixels of both stretches join; not at the curve's ends, where t is whole. */
+inline MAINAXIS AxisOfSample(const POINTDB &tangent, int64_t t, MAINAXIS *before)
+{
+    const MAINAXIS axis = MainAxis(tangent);
+    const MAINAXIS used = t == 0 || t == 0x10000 ? axis : *before;
+    *before = axis;
+    return used;
+}
+
 struct MINORCHOICE {
     double distance; /* |s| x 255, s being how far the line passes from the pixel's centre; its low byte counts */
     int32_t dx;      /* from the pixel to the neighbour: one of the two is -1 or 1, the other 0 */

@@ -35,9 +35,9 @@ template <class ITEM> int EnsureRoom(size_t count, ITEM **items)
 
 int EnsureRows(size_t rows, EDGETABLE *table)
 {
-    if (rows <= table->rowRoom) return 1;
+    if (table->rowNext && rows <= table->rowRoom) return 1;
     table->rowRoom = 0;
-    if (!EnsureRoom(rows + 1, &table->rowStart) || !EnsureRoom(rows, &table->rowNext)) return 0;
+    if (!EnsureRoom(rows + 1, &table->rowStart) || !EnsureRoom(rows + 1, &table->rowNext)) return 0;
     table->rowRoom = rows;
     return 1;
 }

@@ -21,7 +21,7 @@ constexpr double narrowPiece = 1e-7;   /* a curve's piece that moves less than t
 constexpr double farthest = 1099511627776.0;
 
 /* An edge that begins more sample rows than this before the first one wanted is entered by one multiplication. */
-constexpr int64_t mostRowsPassed = int64_t{1} << 26;
+constexpr int64_t mostRowsPassed = int64_t{1} << 22;
 
 int IsNear(const POINTDB &p)
 {

@@ -6,6 +6,7 @@
 #include "raster/raster.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace zr32 {
 
@@ -15,7 +16,6 @@ constexpr uint32_t firstResults = 20;
 constexpr uint32_t resultStep = 20;
 
 constexpr int32_t depthSupersampled = 16;
-constexpr int32_t scopeTableChain = 3;
 
 /* Marker in the flags of free-standing records that the surface code builds. */
 constexpr uint32_t freeStanding = 0x88880000;
@@ -26,7 +26,7 @@ struct MASKREQUEST {
     int32_t aaMode;
     int32_t scope;
     FIXED zoom;
-    int32_t inflate;
+    int64_t inflate; /* its magnitude */
 };
 
 struct MASKRESULTS {
@@ -126,7 +126,10 @@ int MaskOfGroup(PATHREC *path, const MASKREQUEST &request, RECT *rect, PATHBUF *
         ZrPathGetAllMiniMaxRect(path, request.zoom, rect);
     else
         ZrPathGetMiniMaxRect(path, request.zoom, rect);
-    if (request.inflate != 0) InflateRect(rect, request.inflate, request.inflate);
+    const int64_t width = static_cast<int64_t>(rect->right) - rect->left + 2 * request.inflate;
+    if (width > INT32_MAX) return 0;
+    const int32_t inflate = static_cast<int32_t>(request.inflate);
+    if (inflate != 0) InflateRect(rect, inflate, inflate);
 
     const int32_t left = rect->left;
     const int32_t top = rect->top;
@@ -179,7 +182,7 @@ int32_t ZrPathToBuf(PATHREC *path, int32_t depth, int32_t evenOdd, int32_t aaMod
 
     /* An outline is not supersampled. */
     if (zoom > fixedOne && depth == depthSupersampled && scope != 0) zoom = fixedOne;
-    const MASKREQUEST request = {depth, evenOdd, aaMode, scope, zoom, inflate < 0 ? WrapSub(0, inflate) : inflate};
+    const MASKREQUEST request = {depth, evenOdd, aaMode, scope, zoom, std::abs(int64_t{inflate})};
 
     MASKRESULTS results;
     const int32_t count = ResultsAlloc(&results) ? MasksOfGroups(FirstRecord(path), request, &results) : 0;

@@ -99,6 +99,9 @@ int EdgeTableFree(EDGETABLE *table);
 int PathBandFill(PATHREC *path, PATHBUF buf, int32_t evenOdd, int32_t aaMode, int32_t skip, FIXED zoom, int32_t left,
                  int32_t top);
 
+/* The scope of ZrPathToBuf that takes in the table chain instead of the join chain. */
+constexpr int32_t scopeTableChain = 3;
+
 /* Plots the outline of the join chain (scope 3: of the table chain behind path), one pixel wide: with aaMode 0 hard,
  * else smooth. 1; 0 when memory is short, nothing is then plotted. */
 int PathOutlineToBuf(PATHREC *path, PATHBUF buf, int32_t aaMode, int32_t scope, FIXED zoom, int32_t left, int32_t top);
