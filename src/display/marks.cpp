@@ -106,7 +106,7 @@ void DrawMarksOf(const MARKS *marks, const PATHREC *path)
 
 extern "C" {
 
-int32_t ZrPathDrawNodes(ZRHDC hdc, const PATHREC *path, const COORDSTRUCT *view)
+ZRPATHAPI int32_t ZrPathDrawNodes(ZRHDC hdc, const PATHREC *path, const COORDSTRUCT *view)
 {
     if (!hdc || !path || !view || !view->displayBuffer) return 1;
     MARKS marks = {hdc,
@@ -125,8 +125,8 @@ int32_t ZrPathDrawNodes(ZRHDC hdc, const PATHREC *path, const COORDSTRUCT *view)
     return 1;
 }
 
-int32_t ZrPathTblRepaintNodes(ZRHDC hdc, const PATHTBL *table, const COORDSTRUCT *view, int32_t left, int32_t top,
-                              int32_t right, int32_t bottom)
+ZRPATHAPI int32_t ZrPathTblRepaintNodes(ZRHDC hdc, const PATHTBL *table, const COORDSTRUCT *view, int32_t left,
+                                        int32_t top, int32_t right, int32_t bottom)
 {
     const PATHGROUP *group = TableCurrentGroup(table);
     if (!group || table->version == 0 || !group->selectedPath) return 0;

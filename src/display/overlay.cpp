@@ -92,7 +92,7 @@ int PathDrawSelection(const COORDSTRUCT *view, PATHREC *path, OUTLINEMODE mode, 
 
 extern "C" {
 
-int32_t ZrPathDraw(const COORDSTRUCT *view, PATHREC *path, struct tagRECT *dirty)
+ZRPATHAPI int32_t ZrPathDraw(const COORDSTRUCT *view, PATHREC *path, struct tagRECT *dirty)
 {
     if (!path) return 0;
     DISPLAYPLANE plane;
@@ -106,7 +106,7 @@ int32_t ZrPathDraw(const COORDSTRUCT *view, PATHREC *path, struct tagRECT *dirty
     return 1;
 }
 
-int32_t ZrPathHide(const COORDSTRUCT *view, PATHREC *path, struct tagRECT *dirty)
+ZRPATHAPI int32_t ZrPathHide(const COORDSTRUCT *view, PATHREC *path, struct tagRECT *dirty)
 {
     DISPLAYPLANE plane;
     if (DisplayPlaneOf(view, &plane)) DbClear(&plane, &plane.clip);
@@ -117,22 +117,22 @@ int32_t ZrPathHide(const COORDSTRUCT *view, PATHREC *path, struct tagRECT *dirty
     return 1;
 }
 
-int32_t ZrPathDrawSelected(const COORDSTRUCT *view, PATHREC *path, struct tagRECT *dirty)
+ZRPATHAPI int32_t ZrPathDrawSelected(const COORDSTRUCT *view, PATHREC *path, struct tagRECT *dirty)
 {
     return PathDrawSelection(view, path, OUTLINE_DRAW, dirty);
 }
 
-int32_t ZrPathHideSelected(const COORDSTRUCT *view, PATHREC *path, struct tagRECT *dirty)
+ZRPATHAPI int32_t ZrPathHideSelected(const COORDSTRUCT *view, PATHREC *path, struct tagRECT *dirty)
 {
     return PathDrawSelection(view, path, OUTLINE_HIDESEGMENTS, dirty);
 }
 
-int32_t ZrPathDrawSelectedSegments(const COORDSTRUCT *view, PATHREC *path, struct tagRECT *dirty)
+ZRPATHAPI int32_t ZrPathDrawSelectedSegments(const COORDSTRUCT *view, PATHREC *path, struct tagRECT *dirty)
 {
     return PathDrawSelection(view, path, OUTLINE_DRAWSEGMENTS, dirty);
 }
 
-int32_t ZrPathCropDB(PATHTBL *table, int32_t width, int32_t height)
+ZRPATHAPI int32_t ZrPathCropDB(PATHTBL *table, int32_t width, int32_t height)
 {
     if (!table) return 0;
     uint8_t *cropped = DisplayBufferAlloc(width, height);
@@ -158,7 +158,7 @@ int32_t ZrPathCropDB(PATHTBL *table, int32_t width, int32_t height)
     return 1;
 }
 
-int32_t ZrPathScrollDB(COORDSTRUCT *view, PATHREC *path, int16_t dx, int16_t dy)
+ZRPATHAPI int32_t ZrPathScrollDB(COORDSTRUCT *view, PATHREC *path, int16_t dx, int16_t dy)
 {
     if (!view || (dx == 0 && dy == 0)) return 1;
     view->scrollX = WrapAdd(view->scrollX, dx);

@@ -71,22 +71,26 @@ int PaintPlain(int32_t left, int32_t top, int32_t right, int32_t bottom, int pix
 
 extern "C" {
 
-int32_t ZrPathPaint(int32_t left, int32_t top, int32_t right, int32_t bottom, const PATHTBL *table, uint8_t *bitmap)
+ZRPATHAPI int32_t ZrPathPaint(int32_t left, int32_t top, int32_t right, int32_t bottom, const PATHTBL *table,
+                              uint8_t *bitmap)
 {
     return PaintPadded(left, top, right, bottom, 3, table, bitmap);
 }
 
-int32_t ZrPathPaint1(int32_t left, int32_t top, int32_t right, int32_t bottom, const PATHTBL *table, uint8_t *bitmap)
+ZRPATHAPI int32_t ZrPathPaint1(int32_t left, int32_t top, int32_t right, int32_t bottom, const PATHTBL *table,
+                               uint8_t *bitmap)
 {
     return PaintPadded(left, top, right, bottom, 1, table, bitmap);
 }
 
-int32_t ZrPathPaintMem(int32_t left, int32_t top, int32_t right, int32_t bottom, const PATHTBL *table, uint8_t *bitmap)
+ZRPATHAPI int32_t ZrPathPaintMem(int32_t left, int32_t top, int32_t right, int32_t bottom, const PATHTBL *table,
+                                 uint8_t *bitmap)
 {
     return PaintPlain(left, top, right, bottom, 3, table, bitmap);
 }
 
-int32_t ZrPathPaintMem1(int32_t left, int32_t top, int32_t right, int32_t bottom, const PATHTBL *table, uint8_t *bitmap)
+ZRPATHAPI int32_t ZrPathPaintMem1(int32_t left, int32_t top, int32_t right, int32_t bottom, const PATHTBL *table,
+                                  uint8_t *bitmap)
 {
     return PaintPlain(left, top, right, bottom, 1, table, bitmap);
 }

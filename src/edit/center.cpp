@@ -26,7 +26,7 @@ CENTRE CentreOf(const RECT &box)
 
 extern "C" {
 
-int32_t ZrPathCenter(intptr_t, int32_t axis, PATHTBL *table, const COORDSTRUCT *view, struct tagRECT *dirty)
+ZRPATHAPI int32_t ZrPathCenter(intptr_t, int32_t axis, PATHTBL *table, const COORDSTRUCT *view, struct tagRECT *dirty)
 {
     PATHREC *selected = nullptr;
     ZrPathFind(table, nullptr, nullptr, &selected, nullptr);

@@ -120,7 +120,7 @@ void HideSelection(const COORDSTRUCT *view, const PATHREC *head, RECT *dirty)
 
 extern "C" {
 
-int32_t ZrPathDelete(PATHTBL *table, COORDSTRUCT *view, struct tagRECT *dirty)
+ZRPATHAPI int32_t ZrPathDelete(PATHTBL *table, COORDSTRUCT *view, struct tagRECT *dirty)
 {
     PATHREC *active = nullptr;
     PATHREC *selected = nullptr;
@@ -140,7 +140,7 @@ int32_t ZrPathDelete(PATHTBL *table, COORDSTRUCT *view, struct tagRECT *dirty)
     return 1;
 }
 
-int32_t ZrPathDeleteLink(PATHTBL *table, COORDSTRUCT *view, struct tagRECT *dirty)
+ZRPATHAPI int32_t ZrPathDeleteLink(PATHTBL *table, COORDSTRUCT *view, struct tagRECT *dirty)
 {
     PATHREC *selected = nullptr;
     ZrPathFind(table, nullptr, nullptr, &selected, nullptr);

@@ -121,7 +121,7 @@ constexpr int32_t duplicateShift = 15; /* view pixels, right and down */
 
 extern "C" {
 
-int32_t ZrPathDuplicate(ZRHDC hdc, PATHTBL *table, const COORDSTRUCT *view, struct tagRECT *dirty)
+ZRPATHAPI int32_t ZrPathDuplicate(ZRHDC hdc, PATHTBL *table, const COORDSTRUCT *view, struct tagRECT *dirty)
 {
     PATHREC *active = nullptr;
     PATHREC *selected = nullptr;
@@ -150,7 +150,7 @@ int32_t ZrPathDuplicate(ZRHDC hdc, PATHTBL *table, const COORDSTRUCT *view, stru
     return 1;
 }
 
-int32_t ZrPathDuplicatePtr(const PATHREC *path, PATHREC **copy)
+ZRPATHAPI int32_t ZrPathDuplicatePtr(const PATHREC *path, PATHREC **copy)
 {
     if (!path || !copy) return 0;
     COPYSET set;

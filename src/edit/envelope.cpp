@@ -73,7 +73,7 @@ void LeaveSelection(PATHREC *path)
 
 extern "C" {
 
-int32_t ZrPathAddBiLinearEnvelope(PATHREC *path, const ZRPOINTFX *points)
+ZRPATHAPI int32_t ZrPathAddBiLinearEnvelope(PATHREC *path, const ZRPOINTFX *points)
 {
     if (!path || !points) return 0;
     PATHREC *frame = FrameBehind(ChainLast(joinChain, path), bilinearNodes);
@@ -82,7 +82,7 @@ int32_t ZrPathAddBiLinearEnvelope(PATHREC *path, const ZRPOINTFX *points)
     return 1;
 }
 
-int32_t ZrPathAddBiBezierEnvelope(PATHREC *path, const ZRPOINTFX *points)
+ZRPATHAPI int32_t ZrPathAddBiBezierEnvelope(PATHREC *path, const ZRPOINTFX *points)
 {
     if (!path || !points) return 0;
     PATHREC *head = PathChainFirst(path);
@@ -94,17 +94,17 @@ int32_t ZrPathAddBiBezierEnvelope(PATHREC *path, const ZRPOINTFX *points)
     return 1;
 }
 
-int32_t ZrPathGetBiLinearEnvelope(const PATHREC *path, ZRPOINTFX *points)
+ZRPATHAPI int32_t ZrPathGetBiLinearEnvelope(const PATHREC *path, ZRPOINTFX *points)
 {
     return FrameRead(path, bilinearRing, bilinearNodes, points);
 }
 
-int32_t ZrPathGetBiBezierEnvelope(const PATHREC *path, ZRPOINTFX *points)
+ZRPATHAPI int32_t ZrPathGetBiBezierEnvelope(const PATHREC *path, ZRPOINTFX *points)
 {
     return FrameRead(path, bicubicRing, bicubicNodes, points);
 }
 
-int32_t ZrPathGetEnvelopeType(const PATHREC *path)
+ZRPATHAPI int32_t ZrPathGetEnvelopeType(const PATHREC *path)
 {
     return path ? static_cast<int32_t>(path->nodeCount) : 0;
 }

@@ -123,7 +123,8 @@ void WalkHandles(HANDLEWALK *walk)
 
 extern "C" {
 
-int32_t ZrPathSelectedToView(const COORDSTRUCT *view, PATHREC *path, struct tagPOINT *handles, int32_t direction)
+ZRPATHAPI int32_t ZrPathSelectedToView(const COORDSTRUCT *view, PATHREC *path, struct tagPOINT *handles,
+                                       int32_t direction)
 {
     if (!handles) return 0;
     const int editable = path && PathInNodeEdit(path) && !path->prevSel && !path->nextSel;

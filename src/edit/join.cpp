@@ -40,7 +40,7 @@ void JoinLeave(PATHREC *path)
 
 extern "C" {
 
-int32_t ZrPathJoin(PATHREC *path)
+ZRPATHAPI int32_t ZrPathJoin(PATHREC *path)
 {
     PATHREC *head = SelectionHead(path);
     if (!head) return 0;
@@ -48,7 +48,7 @@ int32_t ZrPathJoin(PATHREC *path)
     return 1;
 }
 
-int32_t ZrPathDisjoin(PATHREC *path)
+ZRPATHAPI int32_t ZrPathDisjoin(PATHREC *path)
 {
     PATHREC *head = SelectionHead(path);
     if (!head) return 0;
@@ -56,7 +56,7 @@ int32_t ZrPathDisjoin(PATHREC *path)
     return 1;
 }
 
-int32_t ZrPathJoinAll(PATHREC *path)
+ZRPATHAPI int32_t ZrPathJoinAll(PATHREC *path)
 {
     PATHREC *head = PathChainFirst(path);
     if (!head) return 0;
@@ -64,7 +64,7 @@ int32_t ZrPathJoinAll(PATHREC *path)
     return 1;
 }
 
-int32_t ZrPathDisjoinAll(PATHREC *path)
+ZRPATHAPI int32_t ZrPathDisjoinAll(PATHREC *path)
 {
     PATHREC *head = PathChainFirst(path);
     if (!head) return 0;

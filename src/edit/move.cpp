@@ -48,14 +48,14 @@ void PathMoveChain(PATHREC *path, FIXED dx, FIXED dy, MOVECHAIN which)
 
 extern "C" {
 
-int32_t ZrPathMovePathsByPtfx(PATHREC *path, ZRFIXED dx, ZRFIXED dy)
+ZRPATHAPI int32_t ZrPathMovePathsByPtfx(PATHREC *path, ZRFIXED dx, ZRFIXED dy)
 {
     if (!path) return 0;
     PathMoveChain(path, dx, dy, MOVE_BY_SELECTION);
     return 1;
 }
 
-int32_t ZrPathMovePaths(PATHREC *path, const COORDSTRUCT *view, int32_t dx, int32_t dy)
+ZRPATHAPI int32_t ZrPathMovePaths(PATHREC *path, const COORDSTRUCT *view, int32_t dx, int32_t dy)
 {
     if (!path || !view) return 0;
     const double zoom = view->zoom;
@@ -64,7 +64,7 @@ int32_t ZrPathMovePaths(PATHREC *path, const COORDSTRUCT *view, int32_t dx, int3
     return ZrPathMovePathsByPtfx(path, DoubleToFix(x), DoubleToFix(y));
 }
 
-int32_t ZrPathSize(PATHREC *path, double sx, double sy)
+ZRPATHAPI int32_t ZrPathSize(PATHREC *path, double sx, double sy)
 {
     if (!path) return 0;
     if (sy == 0) sy = sx;
@@ -77,7 +77,7 @@ int32_t ZrPathSize(PATHREC *path, double sx, double sy)
     return 1;
 }
 
-int32_t ZrPathOffset(PATHREC *path, int32_t x, int32_t y)
+ZRPATHAPI int32_t ZrPathOffset(PATHREC *path, int32_t x, int32_t y)
 {
     RECT box;
     if (!ZrPathGetMiniMaxRect(path, fixedOne, &box)) return 1;
@@ -85,7 +85,7 @@ int32_t ZrPathOffset(PATHREC *path, int32_t x, int32_t y)
     return 1;
 }
 
-int32_t ZrPathOffsetExact(PATHREC *path, int16_t dx, int16_t dy)
+ZRPATHAPI int32_t ZrPathOffsetExact(PATHREC *path, int16_t dx, int16_t dy)
 {
     OffsetChain(path, dx, dy);
     return 1;

@@ -348,8 +348,8 @@ void PenReset()
 
 extern "C" {
 
-int32_t ZrPathMouseProcDraw(ZRHDC hdc, PATHTBL *table, const COORDSTRUCT *view, uint32_t message, uintptr_t wParam,
-                            int32_t x, int32_t y)
+ZRPATHAPI int32_t ZrPathMouseProcDraw(ZRHDC hdc, PATHTBL *table, const COORDSTRUCT *view, uint32_t message,
+                                      uintptr_t wParam, int32_t x, int32_t y)
 {
     if (!view) return 1;
     const POINT p = {WrapAdd(x, view->scrollX), WrapAdd(y, view->scrollY)};

@@ -226,8 +226,8 @@ PICKRESULT PathHitTest(PATHREC *head, const POINTDB &p, int32_t modifiers, ZRHDC
 
 extern "C" {
 
-int32_t ZrPathPtOn(int32_t x, int32_t y, int32_t modifiers, ZRHDC hdc, const COORDSTRUCT *view, PATHTBL *table,
-                   PATHREC **path, uint32_t *node, uint16_t *position)
+ZRPATHAPI int32_t ZrPathPtOn(int32_t x, int32_t y, int32_t modifiers, ZRHDC hdc, const COORDSTRUCT *view,
+                             PATHTBL *table, PATHREC **path, uint32_t *node, uint16_t *position)
 {
     PATHREC *none = nullptr;
     if (!path) path = &none;

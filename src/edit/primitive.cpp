@@ -201,8 +201,8 @@ int FrameOfDrag(const COORDSTRUCT *view, int fromCentre, const RECT *drag, FRAME
 
 extern "C" {
 
-int32_t ZrPathGetPrimitive(int32_t kind, const PATHREC *prototype, PATHREC **path, const COORDSTRUCT *view,
-                           int32_t center, int32_t aspect, const struct tagRECT *drag)
+ZRPATHAPI int32_t ZrPathGetPrimitive(int32_t kind, const PATHREC *prototype, PATHREC **path, const COORDSTRUCT *view,
+                                     int32_t center, int32_t aspect, const struct tagRECT *drag)
 {
     FRAME frame;
     if (!path || !view || !drag || !FrameOfDrag(view, center, drag, &frame)) return 0;
@@ -212,8 +212,9 @@ int32_t ZrPathGetPrimitive(int32_t kind, const PATHREC *prototype, PATHREC **pat
     return 1;
 }
 
-int32_t ZrPathAddPrimitive(ZRHDC hdc, int32_t kind, const PATHREC *prototype, PATHTBL *table, const COORDSTRUCT *view,
-                           int32_t center, int32_t aspect, const struct tagRECT *drag)
+ZRPATHAPI int32_t ZrPathAddPrimitive(ZRHDC hdc, int32_t kind, const PATHREC *prototype, PATHTBL *table,
+                                     const COORDSTRUCT *view, int32_t center, int32_t aspect,
+                                     const struct tagRECT *drag)
 {
     PATHGROUP *group = TableCurrentGroup(table);
     if (!group || !view) return 0;

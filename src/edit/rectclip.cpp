@@ -247,8 +247,8 @@ int PathRectTest(PATHREC *path, const BOXDB &rect, int outline, ZRHDC hdc, const
 
 extern "C" {
 
-int32_t ZrPathRectClip(int32_t left, int32_t top, int32_t right, int32_t bottom, PATHTBL *table, ZRHDC hdc,
-                       const COORDSTRUCT *view, int32_t flags)
+ZRPATHAPI int32_t ZrPathRectClip(int32_t left, int32_t top, int32_t right, int32_t bottom, PATHTBL *table, ZRHDC hdc,
+                                 const COORDSTRUCT *view, int32_t flags)
 {
     constexpr int32_t none = 2;
     const PATHGROUP *group = TableCurrentGroup(table);

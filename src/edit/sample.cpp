@@ -142,7 +142,7 @@ void TakeBuffer(PATHTBL *table, const COORDSTRUCT *view)
 
 extern "C" {
 
-PATHTBL **AddPathTest(PATHTBL **table, const COORDSTRUCT *view, struct tagRECT *dirty)
+ZRPATHAPI PATHTBL **AddPathTest(PATHTBL **table, const COORDSTRUCT *view, struct tagRECT *dirty)
 {
     if (!table || !ZrPathInit()) return table;
     PATHTBL *made = static_cast<PATHTBL *>(PathHeapAlloc(PathHeap(), heapZero, TableBlockSize(sampleCount)));

@@ -56,14 +56,14 @@ void PathRebuildSelected(PATHREC *path)
 
 extern "C" {
 
-void ZrPathDeSelectAll(ZRHDC hdc, PATHREC *path, const COORDSTRUCT *view, int32_t draw)
+ZRPATHAPI void ZrPathDeSelectAll(ZRHDC hdc, PATHREC *path, const COORDSTRUCT *view, int32_t draw)
 {
     if (!path) return;
     for (PATHREC *record = path; record; record = record->nextPath) PathDeselect(hdc, record, view, draw);
     for (PATHREC *record = path->prevPath; record; record = record->prevPath) PathDeselect(hdc, record, view, draw);
 }
 
-int32_t ZrPathDeselectPts(PATHREC *path)
+ZRPATHAPI int32_t ZrPathDeselectPts(PATHREC *path)
 {
     if (!path || !PathInNodeEdit(path)) return 0;
     path->flags = PATHREC_SELECTED;
@@ -77,7 +77,7 @@ int32_t ZrPathDeselectPts(PATHREC *path)
     return 1;
 }
 
-int32_t ZrPathAllPathSelected(PATHREC *path)
+ZRPATHAPI int32_t ZrPathAllPathSelected(PATHREC *path)
 {
     if (!path) return 0;
     PATHREC *record = PathChainFirst(path);

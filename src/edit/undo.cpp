@@ -106,7 +106,7 @@ int IsListedAction(uint32_t action)
 
 extern "C" {
 
-int32_t ZrPathBackupAction(int32_t key, int32_t action, PATHTBL *table)
+ZRPATHAPI int32_t ZrPathBackupAction(int32_t key, int32_t action, PATHTBL *table)
 {
     if (key == 0) return 1;
     URLoad(key);
@@ -114,35 +114,35 @@ int32_t ZrPathBackupAction(int32_t key, int32_t action, PATHTBL *table)
     return 1;
 }
 
-int32_t BackupSelected(int32_t action, PATHTBL *table)
+ZRPATHAPI int32_t BackupSelected(int32_t action, PATHTBL *table)
 {
     URRECORD *record = URNewRecord(static_cast<uint32_t>(action), 1);
     if (record) record->words[0] = reinterpret_cast<uintptr_t>(SelectedPath(table));
     return 1;
 }
 
-int32_t BackupSelectMove(int32_t action, PATHTBL *table)
+ZRPATHAPI int32_t BackupSelectMove(int32_t action, PATHTBL *table)
 {
     URMoveRecord(static_cast<uint32_t>(action), SelectedPath(table));
     return 1;
 }
 
-int32_t BackupDuplicate(int32_t, PATHTBL *table)
+ZRPATHAPI int32_t BackupDuplicate(int32_t, PATHTBL *table)
 {
     return URSelectionSnapshot(table) != nullptr;
 }
 
-int32_t ZrPathUndo(int32_t key, PATHTBL *table, COORDSTRUCT *view, void *context)
+ZRPATHAPI int32_t ZrPathUndo(int32_t key, PATHTBL *table, COORDSTRUCT *view, void *context)
 {
     return Step(key, UR_BACK, table, view, context);
 }
 
-int32_t ZrPathRedo(int32_t key, PATHTBL *table, COORDSTRUCT *view, void *context)
+ZRPATHAPI int32_t ZrPathRedo(int32_t key, PATHTBL *table, COORDSTRUCT *view, void *context)
 {
     return Step(key, UR_FORWARD, table, view, context);
 }
 
-int32_t ZrPathSameUR(int32_t key, PATHTBL *table, int32_t action)
+ZRPATHAPI int32_t ZrPathSameUR(int32_t key, PATHTBL *table, int32_t action)
 {
     URLoad(key);
     const URRECORD *record = URRecordAt(undoNow.position);
@@ -156,7 +156,7 @@ int32_t ZrPathSameUR(int32_t key, PATHTBL *table, int32_t action)
     return same;
 }
 
-int32_t ZrPathURFree(int32_t key, intptr_t, int32_t oldest)
+ZRPATHAPI int32_t ZrPathURFree(int32_t key, intptr_t, int32_t oldest)
 {
     URLoad(key);
     const URRECORD *record = oldest ? undoNow.head : URTail();
@@ -169,20 +169,20 @@ int32_t ZrPathURFree(int32_t key, intptr_t, int32_t oldest)
     return 1;
 }
 
-int32_t ZrPathGetURAction(void)
+ZRPATHAPI int32_t ZrPathGetURAction(void)
 {
     undoNow.position++; /* the next call with a key loads it anew */
     return 1;
 }
 
-int32_t ZrPathZrPathGetURInfo(int32_t *first, int32_t *second)
+ZRPATHAPI int32_t ZrPathZrPathGetURInfo(int32_t *first, int32_t *second)
 {
     if (first) *first = 0;
     if (second) *second = 0;
     return 1;
 }
 
-int32_t ZrPathSetUndoLimit(void)
+ZRPATHAPI int32_t ZrPathSetUndoLimit(void)
 {
     return 1;
 }

@@ -77,7 +77,7 @@ int32_t WarpBiCubic(PATHREC *path, const POINTFX *points, FRAMESIDES sides)
 
 extern "C" {
 
-int32_t ZrPathBiLinear(PATHREC *path, const ZRPOINTFX *points)
+ZRPATHAPI int32_t ZrPathBiLinear(PATHREC *path, const ZRPOINTFX *points)
 {
     if (!path || !points) return 0;
     const POINTDB p0 = ToPoint(points[0]);
@@ -87,12 +87,12 @@ int32_t ZrPathBiLinear(PATHREC *path, const ZRPOINTFX *points)
     return WarpJoinChain(path, [&](double u, double v) { return p0 + a * u + b * v + c * (u * v); });
 }
 
-int32_t ZrPathBiCubic(PATHREC *path, const ZRPOINTFX *points)
+ZRPATHAPI int32_t ZrPathBiCubic(PATHREC *path, const ZRPOINTFX *points)
 {
     return WarpBiCubic(path, points, SIDES_TOPBOTTOM);
 }
 
-int32_t ZrPathBiCubicV(PATHREC *path, const ZRPOINTFX *points)
+ZRPATHAPI int32_t ZrPathBiCubicV(PATHREC *path, const ZRPOINTFX *points)
 {
     return WarpBiCubic(path, points, SIDES_LEFTRIGHT);
 }

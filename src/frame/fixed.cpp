@@ -34,17 +34,17 @@ POINTFX PtfxTwoThirds(FIXED ax, FIXED ay, FIXED bx, FIXED by)
 
 extern "C" {
 
-ZRFIXED DbToFix(double value)
+ZRPATHAPI ZRFIXED DbToFix(double value)
 {
     return DoubleToFix(value);
 }
 
-double FixToDb(ZRFIXED value)
+ZRPATHAPI double FixToDb(ZRFIXED value)
 {
     return FixToDouble(value);
 }
 
-ZRPOINTFX PtfxAdd(ZRFIXED ax, ZRFIXED ay, ZRFIXED bx, ZRFIXED by)
+ZRPATHAPI ZRPOINTFX PtfxAdd(ZRFIXED ax, ZRFIXED ay, ZRFIXED bx, ZRFIXED by)
 {
     return {WrapAdd(ax, bx), WrapAdd(ay, by)};
 }

@@ -67,7 +67,7 @@ PATHREC *PathNextGroup(PATHREC *path)
 
 extern "C" {
 
-PATHBUF ZrPathBufAlloc(int32_t bits, int32_t width, int32_t height)
+ZRPATHAPI PATHBUF ZrPathBufAlloc(int32_t bits, int32_t width, int32_t height)
 {
     const size_t size = BlockSize(bits, width, height);
     uint8_t *block = size ? static_cast<uint8_t *>(BufAlloc(bufZero, size)) : nullptr;
@@ -76,7 +76,7 @@ PATHBUF ZrPathBufAlloc(int32_t bits, int32_t width, int32_t height)
     return block + bufHeaderSize;
 }
 
-PATHBUF ZrPathBufDuplicate(int32_t, PATHBUF buf)
+ZRPATHAPI PATHBUF ZrPathBufDuplicate(int32_t, PATHBUF buf)
 {
     if (!OwnsBlock(buf)) return nullptr;
     const size_t size = BufMemSize(buf - bufHeaderSize);
@@ -86,18 +86,18 @@ PATHBUF ZrPathBufDuplicate(int32_t, PATHBUF buf)
     return block + bufHeaderSize;
 }
 
-int32_t ZrPathBufFree(PATHBUF buf)
+ZRPATHAPI int32_t ZrPathBufFree(PATHBUF buf)
 {
     if (OwnsBlock(buf)) BufFree(buf - bufHeaderSize);
     return 1;
 }
 
-uint32_t ZrPathBufSize(PATHBUF buf)
+ZRPATHAPI uint32_t ZrPathBufSize(PATHBUF buf)
 {
     return OwnsBlock(buf) ? static_cast<uint32_t>(BufMemSize(buf - bufHeaderSize)) : 0;
 }
 
-int32_t ZrPathBufGetWHU(PATHBUF buf, int32_t *width, int32_t *height, int32_t *bits)
+ZRPATHAPI int32_t ZrPathBufGetWHU(PATHBUF buf, int32_t *width, int32_t *height, int32_t *bits)
 {
     if (!OwnsBlock(buf) || !width || !height || !bits) return 0;
     const BUFINFO info = BufInfo(buf);
@@ -107,19 +107,19 @@ int32_t ZrPathBufGetWHU(PATHBUF buf, int32_t *width, int32_t *height, int32_t *b
     return 1;
 }
 
-int32_t ZrPathBufLock1(PATHBUF buf, int32_t, int32_t, int32_t, PATHBUFLOCK *lock)
+ZRPATHAPI int32_t ZrPathBufLock1(PATHBUF buf, int32_t, int32_t, int32_t, PATHBUFLOCK *lock)
 {
     if (!OwnsBlock(buf) || !lock) return 0;
     *lock = {buf, static_cast<uint32_t>(HeaderOf(buf)->width)};
     return 1;
 }
 
-int32_t ZrPathBufUnlock1(PATHBUFLOCK *)
+ZRPATHAPI int32_t ZrPathBufUnlock1(PATHBUFLOCK *)
 {
     return 1;
 }
 
-uint8_t *ZrPathBufLineRead(const PATHBUFLOCK *lock, int32_t y)
+ZRPATHAPI uint8_t *ZrPathBufLineRead(const PATHBUFLOCK *lock, int32_t y)
 {
     if (!lock || !OwnsBlock(lock->pixels)) return nullptr;
     const size_t pixelSize = BufPixelSize(HeaderOf(lock->pixels)->bits);

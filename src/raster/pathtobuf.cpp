@@ -173,8 +173,8 @@ int32_t MasksOfGroups(PATHREC *path, const MASKREQUEST &request, MASKRESULTS *re
 
 extern "C" {
 
-int32_t ZrPathToBuf(PATHREC *path, int32_t depth, int32_t evenOdd, int32_t aaMode, int32_t scope, ZRFIXED zoom,
-                    struct tagRECT **rects, PATHBUF **bufs, int32_t inflate)
+ZRPATHAPI int32_t ZrPathToBuf(PATHREC *path, int32_t depth, int32_t evenOdd, int32_t aaMode, int32_t scope,
+                              ZRFIXED zoom, struct tagRECT **rects, PATHBUF **bufs, int32_t inflate)
 {
     if (rects) *rects = nullptr;
     if (bufs) *bufs = nullptr;

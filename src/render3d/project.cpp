@@ -45,8 +45,9 @@ POINTDB SpaceProject(const SPACE *space, double x, double y, double z)
 
 extern "C" {
 
-void ZrProject2DTO3D(double x, double y, tagPOINTDB *result, const struct tagRECT *source, const struct tagRECT *target,
-                     const tagPOINT3D *eye, const tagPOINT3D *shift, const tagMATRIX3D *matrix)
+ZRPATHAPI void ZrProject2DTO3D(double x, double y, tagPOINTDB *result, const struct tagRECT *source,
+                               const struct tagRECT *target, const tagPOINT3D *eye, const tagPOINT3D *shift,
+                               const tagMATRIX3D *matrix)
 {
     if (!result || !source || !target || !eye || !shift || !matrix) return;
     POINT3D p = {source->left + x - eye->x, source->top + y - eye->y, 0};
@@ -58,7 +59,7 @@ void ZrProject2DTO3D(double x, double y, tagPOINTDB *result, const struct tagREC
     result->y -= target->top;
 }
 
-void ZrPathTo3D(PATHREC *path, const POINTFXMAT3D *transform)
+ZRPATHAPI void ZrPathTo3D(PATHREC *path, const POINTFXMAT3D *transform)
 {
     if (!path || !transform) return;
     SPACE space;

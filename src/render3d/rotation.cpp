@@ -36,7 +36,7 @@ double WrapDegrees(double degrees)
 
 extern "C" {
 
-void VThitaGetMatrix(double sine, double cosine, const tagPOINT3D *axis, tagMATRIX3D *matrix)
+ZRPATHAPI void VThitaGetMatrix(double sine, double cosine, const tagPOINT3D *axis, tagMATRIX3D *matrix)
 {
     /* No turn by an exact sine of 0, deliberately also for a half turn: the caller starts from the identity. */
     if (sine == 0 || !axis || !matrix) return;
@@ -56,7 +56,7 @@ void VThitaGetMatrix(double sine, double cosine, const tagPOINT3D *axis, tagMATR
     matrix->m[8] = (1 - z * z) * c + z * z;
 }
 
-void RotatePoint3D(tagPOINT3D *point, const tagMATRIX3D *matrix)
+ZRPATHAPI void RotatePoint3D(tagPOINT3D *point, const tagMATRIX3D *matrix)
 {
     if (!point || !matrix) return;
     const POINT3D p = *point;
@@ -66,7 +66,7 @@ void RotatePoint3D(tagPOINT3D *point, const tagMATRIX3D *matrix)
     point->z = m[2] * p.x + m[5] * p.y + m[8] * p.z;
 }
 
-const tagMATRIX3D *Matrix3X3(const tagMATRIX3D *a, const tagMATRIX3D *b, tagMATRIX3D *result)
+ZRPATHAPI const tagMATRIX3D *Matrix3X3(const tagMATRIX3D *a, const tagMATRIX3D *b, tagMATRIX3D *result)
 {
     if (!a || !b || !result) return a;
     tagMATRIX3D product;
@@ -80,7 +80,7 @@ const tagMATRIX3D *Matrix3X3(const tagMATRIX3D *a, const tagMATRIX3D *b, tagMATR
     return a;
 }
 
-void ORMatrix(tagMATRIX3D *matrix)
+ZRPATHAPI void ORMatrix(tagMATRIX3D *matrix)
 {
     if (!matrix) return;
     double *r0 = matrix->m;
@@ -94,7 +94,8 @@ void ORMatrix(tagMATRIX3D *matrix)
     Vec3Normalize(r2);
 }
 
-int32_t AddRotation(tagPOINT3D axisA, double angleA, tagPOINT3D axisB, double angleB, tagPOINT3D *axis, double *angle)
+ZRPATHAPI int32_t AddRotation(tagPOINT3D axisA, double angleA, tagPOINT3D axisB, double angleB, tagPOINT3D *axis,
+                              double *angle)
 {
     if ((angleA == 0 && angleB == 0) || !axis || !angle) return 0;
     if (angleA == 0 || angleB == 0) { /* the other one as it stands, axis of any length */

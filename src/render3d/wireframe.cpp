@@ -137,8 +137,8 @@ void WidenByNode(const SPACE *space, const POINTDB &at, double front, double bac
 
 extern "C" {
 
-void ZrPath3DWireFrame(ZRHDC hdc, PATHREC *path, int32_t w, int32_t h, const COORDSTRUCT *view, POINTFXMAT3D *transform,
-                       int32_t depth)
+ZRPATHAPI void ZrPath3DWireFrame(ZRHDC hdc, PATHREC *path, int32_t w, int32_t h, const COORDSTRUCT *view,
+                                 POINTFXMAT3D *transform, int32_t depth)
 {
     if (!path || !transform) return;
     if (!FrameInFront(transform, w, h)) {
@@ -153,8 +153,8 @@ void ZrPath3DWireFrame(ZRHDC hdc, PATHREC *path, int32_t w, int32_t h, const COO
     for (const PATHREC *record = PathChainFirst(path); record; record = record->nextJoin) DrawRecord(&wire, record);
 }
 
-void ZrPathGet3DMiniMaxRect(const PATHREC *path, const POINTFXMAT3D *transform, int32_t z, int32_t depth,
-                            struct tagRECT *rect)
+ZRPATHAPI void ZrPathGet3DMiniMaxRect(const PATHREC *path, const POINTFXMAT3D *transform, int32_t z, int32_t depth,
+                                      struct tagRECT *rect)
 {
     if (!path || !transform || !rect) return;
     const PATHREC *head = ChainFirst(tableChain, path);

@@ -76,22 +76,22 @@ int PathBoundsByChain(const PATHREC *path, FIXED zoom, RECT *rect, CHAINLINK nex
 
 extern "C" {
 
-int32_t ZrPathGetMiniMaxRect(const PATHREC *path, ZRFIXED zoom, struct tagRECT *rect)
+ZRPATHAPI int32_t ZrPathGetMiniMaxRect(const PATHREC *path, ZRFIXED zoom, struct tagRECT *rect)
 {
     return PathBoundsByChain(path, zoom, rect, joinChain.next);
 }
 
-int32_t ZrPathGetSelectedRect(const PATHREC *path, ZRFIXED zoom, struct tagRECT *rect)
+ZRPATHAPI int32_t ZrPathGetSelectedRect(const PATHREC *path, ZRFIXED zoom, struct tagRECT *rect)
 {
     return PathBoundsByChain(path, zoom, rect, selectedChain.next);
 }
 
-int32_t ZrPathGetAllMiniMaxRect(const PATHREC *path, ZRFIXED zoom, struct tagRECT *rect)
+ZRPATHAPI int32_t ZrPathGetAllMiniMaxRect(const PATHREC *path, ZRFIXED zoom, struct tagRECT *rect)
 {
     return PathBoundsByChain(path, zoom, rect, tableChain.next);
 }
 
-int32_t ZrPathGetRealRect(const PATHREC *path, ZRFIXED zoom, struct tagRECT *rect)
+ZRPATHAPI int32_t ZrPathGetRealRect(const PATHREC *path, ZRFIXED zoom, struct tagRECT *rect)
 {
     if (!ZrPathGetAllMiniMaxRect(path, zoom, rect)) return 0;
     rect->left = WrapAdd(rect->left, 5);

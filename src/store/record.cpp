@@ -90,12 +90,12 @@ PATHREC *ChainLast(const CHAIN &chain, PATHREC *path)
 
 extern "C" {
 
-PATHREC *ZrPathCreate(void)
+ZRPATHAPI PATHREC *ZrPathCreate(void)
 {
     return RecordAlloc(nodesPerBlock);
 }
 
-int32_t ZrPathAddPoint(PATHREC **path, const ZRPOINTFX *point, uint16_t type)
+ZRPATHAPI int32_t ZrPathAddPoint(PATHREC **path, const ZRPOINTFX *point, uint16_t type)
 {
     if (!path || !*path || !point) return 0;
     /* A copy, since the caller's pointer is not ours to change: the block grows where it is or not at all. A node
@@ -106,12 +106,12 @@ int32_t ZrPathAddPoint(PATHREC **path, const ZRPOINTFX *point, uint16_t type)
     return 1;
 }
 
-int32_t ZrPathPurge(PATHREC **path)
+ZRPATHAPI int32_t ZrPathPurge(PATHREC **path)
 {
     return PathTrimNodes(path);
 }
 
-int32_t ZrPathDeletePtr(PATHREC *path, int32_t bySelection)
+ZRPATHAPI int32_t ZrPathDeletePtr(PATHREC *path, int32_t bySelection)
 {
     if (!path || !PathHeapValid(PathHeap(), heapNoSerialize, path)) return 0;
     const CHAINLINK link = bySelection ? selectedChain.next : tableChain.next;
@@ -132,7 +132,7 @@ int32_t ZrPathDeletePtr(PATHREC *path, int32_t bySelection)
     return 1;
 }
 
-PATHREC *ZrPathR2VToZrPath(uint32_t count, const R2VPOINT *points)
+ZRPATHAPI PATHREC *ZrPathR2VToZrPath(uint32_t count, const R2VPOINT *points)
 {
     if (count == 0 || !points || count > INT32_MAX / sizeof(PATHNODE) - 1) return nullptr;
     const R2VPOINT &first = points[0];
@@ -159,7 +159,7 @@ PATHREC *ZrPathR2VToZrPath(uint32_t count, const R2VPOINT *points)
     return path;
 }
 
-PATHREC *ZrPathChainZrPath(uint32_t count, PATHREC **paths)
+ZRPATHAPI PATHREC *ZrPathChainZrPath(uint32_t count, PATHREC **paths)
 {
     if (count == 0 || !paths || std::find(paths, paths + count, nullptr) != paths + count) return nullptr;
     for (uint32_t i = 0; i + 1 < count; i++) {
@@ -169,7 +169,7 @@ PATHREC *ZrPathChainZrPath(uint32_t count, PATHREC **paths)
     return paths[0];
 }
 
-int32_t ZrPathChainPaths(PATHREC **chain, PATHREC *added)
+ZRPATHAPI int32_t ZrPathChainPaths(PATHREC **chain, PATHREC *added)
 {
     if (!chain || !added) return 0;
     if (!*chain)
@@ -179,7 +179,7 @@ int32_t ZrPathChainPaths(PATHREC **chain, PATHREC *added)
     return 1;
 }
 
-int32_t IsOnlyPrimitive(const PATHREC *path)
+ZRPATHAPI int32_t IsOnlyPrimitive(const PATHREC *path)
 {
     if (!path || path->primitive == 0) return 0;
     return !path->nextPath || path->nextPath->flags == PATHREC_ENVELOPE;

@@ -295,7 +295,7 @@ PATHREC *ChainFromStream(const void *stream, uint32_t count)
 
 extern "C" {
 
-int32_t ZrPathFlatten(PATHREC *path, uint32_t *size, void **stream)
+ZRPATHAPI int32_t ZrPathFlatten(PATHREC *path, uint32_t *size, void **stream)
 {
     if (!path || !size || !stream) return 0;
     PATHREC *head = PathChainFirst(path);
@@ -321,7 +321,7 @@ int32_t ZrPathFlatten(PATHREC *path, uint32_t *size, void **stream)
     return block != nullptr;
 }
 
-int32_t ZrPathUnFlatten(void *const *stream, PATHREC **path)
+ZRPATHAPI int32_t ZrPathUnFlatten(void *const *stream, PATHREC **path)
 {
     uint32_t count = 0;
     if (!stream || !*stream || !path || !StreamCheck(*stream, &count)) return 0;

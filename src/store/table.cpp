@@ -86,14 +86,15 @@ const PATHGROUP *TableCurrentGroup(const PATHTBL *table)
 
 extern "C" {
 
-int32_t ZrPathNew(PATHTBL **table)
+ZRPATHAPI int32_t ZrPathNew(PATHTBL **table)
 {
     if (!table) return 0;
     *table = TableAlloc();
     return *table != nullptr;
 }
 
-int32_t ZrPathAddPathGroup(PATHTBL **table, PATHREC *path, const char *name, COORDSTRUCT *view, struct tagRECT *dirty)
+ZRPATHAPI int32_t ZrPathAddPathGroup(PATHTBL **table, PATHREC *path, const char *name, COORDSTRUCT *view,
+                                     struct tagRECT *dirty)
 {
     if (!table || !path) return 0;
     if (path->prevPath) path = path->prevPath; /* one step back only, deliberately */
@@ -122,7 +123,7 @@ int32_t ZrPathAddPathGroup(PATHTBL **table, PATHREC *path, const char *name, COO
     return 1;
 }
 
-int32_t ZrPathTblDelete(PATHTBL *table)
+ZRPATHAPI int32_t ZrPathTblDelete(PATHTBL *table)
 {
     if (!table) return 0;
     for (uint32_t i = 0; i < table->groupCount; i++)
@@ -139,7 +140,7 @@ int32_t ZrPathTblDelete(PATHTBL *table)
     return 1;
 }
 
-int32_t ZrPathTblDeletelpDB(PATHTBL *table)
+ZRPATHAPI int32_t ZrPathTblDeletelpDB(PATHTBL *table)
 {
     if (!table) return 0;
     BufFree(table->lpDB);
@@ -147,7 +148,8 @@ int32_t ZrPathTblDeletelpDB(PATHTBL *table)
     return 1;
 }
 
-void ZrPathFind(const PATHTBL *table, uint32_t *group, PATHREC **activePath, PATHREC **selectedPath, int32_t *live)
+ZRPATHAPI void ZrPathFind(const PATHTBL *table, uint32_t *group, PATHREC **activePath, PATHREC **selectedPath,
+                          int32_t *live)
 {
     if (!table) return;
     const PATHGROUP *current = TableCurrentGroup(table);
@@ -157,19 +159,19 @@ void ZrPathFind(const PATHTBL *table, uint32_t *group, PATHREC **activePath, PAT
     if (live) *live = table->version != 0;
 }
 
-void ZrPathFindGroups(const PATHTBL *table, uint32_t *count)
+ZRPATHAPI void ZrPathFindGroups(const PATHTBL *table, uint32_t *count)
 {
     if (count) *count = table ? table->groupCount : 0;
 }
 
-void ZrPathFindGroupName(const PATHTBL *table, int32_t group, const char **name)
+ZRPATHAPI void ZrPathFindGroupName(const PATHTBL *table, int32_t group, const char **name)
 {
     if (!table || !name) return;
     const int inRange = group >= 0 && static_cast<uint32_t>(group) < table->groupCount;
     *name = inRange ? table->groups[group].name : nullptr;
 }
 
-int32_t ZrPathAssignActivePath(PATHTBL *table, PATHREC *path)
+ZRPATHAPI int32_t ZrPathAssignActivePath(PATHTBL *table, PATHREC *path)
 {
     PATHGROUP *group = TableCurrentGroup(table);
     if (!group || !path) return 0;
@@ -178,7 +180,7 @@ int32_t ZrPathAssignActivePath(PATHTBL *table, PATHREC *path)
     return 1;
 }
 
-int32_t ZrPathAssignSelectedPath(PATHTBL *table, PATHREC *path)
+ZRPATHAPI int32_t ZrPathAssignSelectedPath(PATHTBL *table, PATHREC *path)
 {
     PATHGROUP *group = TableCurrentGroup(table);
     if (!group || (path && !PathIsSelected(path))) return 0;
@@ -186,7 +188,7 @@ int32_t ZrPathAssignSelectedPath(PATHTBL *table, PATHREC *path)
     return 1;
 }
 
-int32_t ZrPathAssignSelectedPathBlindly(PATHTBL *table, PATHREC *path)
+ZRPATHAPI int32_t ZrPathAssignSelectedPathBlindly(PATHTBL *table, PATHREC *path)
 {
     if (!table || !path) return 0;
     PATHREC *record = PathChainFirst(path);
@@ -195,7 +197,7 @@ int32_t ZrPathAssignSelectedPathBlindly(PATHTBL *table, PATHREC *path)
     return 1;
 }
 
-void ZrPathInfo(const PATHREC *path, int32_t *selected, int32_t *joined)
+ZRPATHAPI void ZrPathInfo(const PATHREC *path, int32_t *selected, int32_t *joined)
 {
     if (!path) return;
     if (joined && *joined == 3) *joined = path->nextJoin || path->prevJoin;

@@ -63,8 +63,8 @@ tagPOINTDB PathViewToImage(const COORDSTRUCT *view, int32_t x, int32_t y)
 
 extern "C" {
 
-int32_t ZrPathCoordStruct(int32_t left, int32_t top, int32_t right, int32_t bottom, int32_t scrollX, int32_t scrollY,
-                          int32_t zoom, PATHTBL *table, COORDSTRUCT **view)
+ZRPATHAPI int32_t ZrPathCoordStruct(int32_t left, int32_t top, int32_t right, int32_t bottom, int32_t scrollX,
+                                    int32_t scrollY, int32_t zoom, PATHTBL *table, COORDSTRUCT **view)
 {
     if (!view) return 1;
     if (!*view) ZrPathInit();
@@ -77,8 +77,8 @@ int32_t ZrPathCoordStruct(int32_t left, int32_t top, int32_t right, int32_t bott
     return 1;
 }
 
-int32_t ZrPathNewCoordStruct(int32_t left, int32_t top, int32_t right, int32_t bottom, int32_t scrollX, int32_t scrollY,
-                             int32_t zoom, int32_t tag, PATHTBL *table, COORDSTRUCT **view)
+ZRPATHAPI int32_t ZrPathNewCoordStruct(int32_t left, int32_t top, int32_t right, int32_t bottom, int32_t scrollX,
+                                       int32_t scrollY, int32_t zoom, int32_t tag, PATHTBL *table, COORDSTRUCT **view)
 {
     if (!table || !view || !ViewHave(view)) return 0;
     ViewSet(*view, left, top, right, bottom, scrollX, scrollY, zoom);
@@ -89,25 +89,26 @@ int32_t ZrPathNewCoordStruct(int32_t left, int32_t top, int32_t right, int32_t b
     return 1;
 }
 
-int32_t ZrPathDeleteCoordStruct(COORDSTRUCT *view)
+ZRPATHAPI int32_t ZrPathDeleteCoordStruct(COORDSTRUCT *view)
 {
     return BufFree(view);
 }
 
-int32_t ZrPathTblIsValid(int32_t left, int32_t top, int32_t right, int32_t bottom, int32_t scrollX, int32_t scrollY,
-                         int32_t zoom, int32_t tag, const PATHTBL *table)
+ZRPATHAPI int32_t ZrPathTblIsValid(int32_t left, int32_t top, int32_t right, int32_t bottom, int32_t scrollX,
+                                   int32_t scrollY, int32_t zoom, int32_t tag, const PATHTBL *table)
 {
     return table && WrapSub(right, table->dbWidth) == left && WrapSub(bottom, top) == table->dbHeight &&
            scrollX == table->dbScrollX && scrollY == table->dbScrollY && zoom == table->dbZoom && tag == table->dbTag;
 }
 
-tagPOINTDB ZrPathPtWndToImage(int32_t x, int32_t y, const COORDSTRUCT *view)
+ZRPATHAPI tagPOINTDB ZrPathPtWndToImage(int32_t x, int32_t y, const COORDSTRUCT *view)
 {
     if (!view) return {0, 0};
     return {FromView(x, view->scrollX, view->zoom), FromView(y, view->scrollY, view->zoom)};
 }
 
-ZRRECTDB ZrPathRectWndToImage(int32_t left, int32_t top, int32_t right, int32_t bottom, const COORDSTRUCT *view)
+ZRPATHAPI ZRRECTDB ZrPathRectWndToImage(int32_t left, int32_t top, int32_t right, int32_t bottom,
+                                        const COORDSTRUCT *view)
 {
     return {ZrPathPtWndToImage(left, top, view), ZrPathPtWndToImage(right, bottom, view)};
 }

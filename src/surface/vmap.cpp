@@ -132,9 +132,9 @@ void PlaceMap(const VMAPORDER *order, const SURFACEEDGES *edges, SURFACEMAP *map
 
 extern "C" {
 
-int32_t ZrPathVMap(PATHREC *path, PATHBUF *distOut, PATHBUF *offsetOut, int32_t evenOdd, int32_t fixedHeight,
-                   int32_t envelopeMode, int32_t outset, int32_t noMitre, double *width, int32_t floatVectors,
-                   int32_t useMask, PATHBUF mask, VMAPPROGRESS *progress, ZRFIXED zoom)
+ZRPATHAPI int32_t ZrPathVMap(PATHREC *path, PATHBUF *distOut, PATHBUF *offsetOut, int32_t evenOdd, int32_t fixedHeight,
+                             int32_t envelopeMode, int32_t outset, int32_t noMitre, double *width, int32_t floatVectors,
+                             int32_t useMask, PATHBUF mask, VMAPPROGRESS *progress, ZRFIXED zoom)
 {
     PATHBUF noPlane[2] = {nullptr, nullptr};
     SURFACEMAP map = {
