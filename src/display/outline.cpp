@@ -37,9 +37,17 @@ int32_t SplitPosition(double position, double *fraction)
     return -1;
 }
 
+/* 1 when the pixel or a neighbour of it may lie in the segment's rectangle. */
+int InReach(const PIXELCHAIN *chain, const POINT &pixel)
+{
+    const RECT &rect = chain->rect; /* within the view, so its edges can be moved by 1 */
+    return pixel.x >= rect.left - 1 && pixel.x <= rect.right && pixel.y >= rect.top - 1 && pixel.y <= rect.bottom;
+}
+
 void TouchPixel(PIXELCHAIN *chain, const POINT &pixel)
 {
-    if (!PtInRect(&chain->rect, pixel)) return;
+    const RECT &rect = chain->rect;
+    if (pixel.x < rect.left || pixel.x >= rect.right || pixel.y < rect.top || pixel.y >= rect.bottom) return;
     const DISPLAYPLANE *plane = chain->plane;
     const int64_t index = int64_t{pixel.y} * plane->stride + pixel.x;
     if (index < plane->size) plane->pixels[index] = static_cast<uint8_t>(plane->pixels[index] + chain->sign);
@@ -53,6 +61,7 @@ void TouchSample(PIXELCHAIN *chain, const POINTDB &position, int64_t t, MAINAXIS
     double fy;
     const POINT pixel = {SplitPosition(position.x, &fx), SplitPosition(position.y, &fy)};
     if (t == 0) chain->last = {WrapAdd(pixel.x, 5), WrapAdd(pixel.x, 5)}; /* touched by nothing near */
+    if (!InReach(chain, pixel)) return;
     if (t == parameterEnd) {
         const int64_t dx = int64_t{pixel.x} - chain->last.x;
         const int64_t dy = int64_t{pixel.y} - chain->last.y;
