@@ -237,9 +237,9 @@ ZRPATHAPI int32_t ZrPathPtOn(int32_t x, int32_t y, int32_t modifiers, ZRHDC hdc,
     const int query = modifiers == ZRPICK_QUERY;
     if (replacing || query || modifiers & ZRPICK_ADD) {
         /* An added click does without the filter, so that it can reach what is hidden from the display. */
-        const int near = !(replacing || query) || PathNearOutline(view, x, y);
+        const int nearby = !(replacing || query) || PathNearOutline(view, x, y);
         HIT hit = {nullptr, HIT_SHAPE, 0, 0};
-        result = near ? PathHitTest(head, ZrPathPtWndToImage(x, y, view), modifiers, hdc, view, &hit) : PICK_NOTHING;
+        result = nearby ? PathHitTest(head, ZrPathPtWndToImage(x, y, view), modifiers, hdc, view, &hit) : PICK_NOTHING;
         *path = hit.path;
         if (hit.path && hit.place != HIT_SHAPE) {
             if (node) *node = hit.node;

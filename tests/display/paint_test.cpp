@@ -154,7 +154,7 @@ TEST(Paint, TopBelowBottomIsOneAndPaintsNothing)
         EXPECT_EQ(form.paint(0, 3, 3, 1, v.table, bitmap), 1) << form.name;
         EXPECT_EQ(form.paint(0, 0, 3, 3, v.table, nullptr), 1) << form.name;
     }
-    for (const uint8_t byte : bitmap) EXPECT_EQ(byte, 0);
+    for (const uint8_t value : bitmap) EXPECT_EQ(value, 0);
 }
 
 TEST(Paint, SizesThatTheBufferDoesNotHaveStayInTheBlock)

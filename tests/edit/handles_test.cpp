@@ -129,7 +129,7 @@ TEST(Handles, WalkStopsAtTwelve)
     /* In the other direction the twelfth is not applied. */
     s.list[11] = {150, 150};
     EXPECT_EQ(s.Write(), 12);
-    EXPECT_EQ(FIXED{s.path->nodes[7].x}, DbToFix(80));
+    EXPECT_EQ(ZRFIXED{s.path->nodes[7].x}, DbToFix(80));
     EXPECT_EQ(s.list[11].x, end);
 }
 
@@ -216,13 +216,13 @@ TEST(Handles, MovedPairMovesItsNodeOnly)
     ASSERT_EQ(s.used, 3);
     s.list[1].x += 9;
     EXPECT_EQ(s.Write(), 3);
-    EXPECT_EQ(FIXED{s.path->nodes[1].x}, DbToFix(20.75));
-    EXPECT_EQ(FIXED{s.path->nodes[1].y}, DbToFix(20.125));
-    EXPECT_EQ(FIXED{s.path->nodes[3].x}, DbToFix(40.0625));
+    EXPECT_EQ(ZRFIXED{s.path->nodes[1].x}, DbToFix(20.75));
+    EXPECT_EQ(ZRFIXED{s.path->nodes[1].y}, DbToFix(20.125));
+    EXPECT_EQ(ZRFIXED{s.path->nodes[3].x}, DbToFix(40.0625));
     /* (30.5 + 0.5) x 2 + 4 = 66, moved to 75: (75 - 4) / 2 - 0.5 = 35; y goes through whole pixels too:
      * (30.25 + 0.5) x 2 + 4 = 65.5, cut to 65: (65 - 4) / 2 - 0.5 = 30. */
-    EXPECT_EQ(FIXED{s.path->nodes[2].x}, DbToFix(35));
-    EXPECT_EQ(FIXED{s.path->nodes[2].y}, DbToFix(30));
+    EXPECT_EQ(ZRFIXED{s.path->nodes[2].x}, DbToFix(35));
+    EXPECT_EQ(ZRFIXED{s.path->nodes[2].y}, DbToFix(30));
 }
 
 TEST(Handles, StartFollowsAMovedClosingAnchor)
@@ -244,9 +244,9 @@ TEST(Handles, StartFollowsAMovedClosingAnchor)
         s.list[c.entry] = {22, 33};
         s.Write();
         const uint32_t last = s.path->nodeCount - 1;
-        EXPECT_EQ(FIXED{s.path->nodes[last].x}, DbToFix(21.5)) << c.name;
-        EXPECT_EQ(FIXED{s.path->nodes[0].x}, DbToFix(21.5)) << c.name;
-        EXPECT_EQ(FIXED{s.path->nodes[0].y}, DbToFix(32.5)) << c.name;
+        EXPECT_EQ(ZRFIXED{s.path->nodes[last].x}, DbToFix(21.5)) << c.name;
+        EXPECT_EQ(ZRFIXED{s.path->nodes[0].x}, DbToFix(21.5)) << c.name;
+        EXPECT_EQ(ZRFIXED{s.path->nodes[0].y}, DbToFix(32.5)) << c.name;
     }
 }
 
@@ -256,7 +256,7 @@ TEST(Handles, StartStaysWhenNoGroupReachesTheEnd)
     s.Read();
     s.list[1].x += 5;
     s.Write();
-    EXPECT_EQ(FIXED{s.path->nodes[0].x}, DbToFix(10));
+    EXPECT_EQ(ZRFIXED{s.path->nodes[0].x}, DbToFix(10));
 }
 
 TEST(Handles, NodeInTwoGroupsIsTakenAsItStands)
@@ -267,10 +267,10 @@ TEST(Handles, NodeInTwoGroupsIsTakenAsItStands)
     ASSERT_EQ(s.Xs(), (LIST{10, 20, 30, 20, 30, 40, end, untouched, untouched, untouched, untouched, end}));
     s.list[1].x = 90;
     s.Write();
-    EXPECT_EQ(FIXED{s.path->nodes[1].x}, DbToFix(19.5));
+    EXPECT_EQ(ZRFIXED{s.path->nodes[1].x}, DbToFix(19.5));
     s.list[1].x = s.list[3].x = 90;
     s.Write();
-    EXPECT_EQ(FIXED{s.path->nodes[1].x}, DbToFix(89.5));
+    EXPECT_EQ(ZRFIXED{s.path->nodes[1].x}, DbToFix(89.5));
 }
 
 TEST(Handles, OtherRecordsGiveAnEmptyList)

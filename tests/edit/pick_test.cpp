@@ -328,7 +328,7 @@ TEST(Pick, FilterLetsEveryVisibleHitThrough)
 TEST(Pick, WindowIsEightByEightClippedToTheBuffer)
 {
     SCENE s({LineAt(20, 50, 120, 50)});
-    const auto near = [&s](int32_t x, int32_t y, int32_t bx, int32_t by) {
+    const auto nearby = [&s](int32_t x, int32_t y, int32_t bx, int32_t by) {
         std::fill(s.view->displayBuffer, s.view->displayBuffer + 40000, uint8_t{0});
         s.view->displayBuffer[by * 200 + bx] = 1;
         /* A huge tolerance about the image's origin makes every click that passes the filter a hit. */
@@ -339,19 +339,19 @@ TEST(Pick, WindowIsEightByEightClippedToTheBuffer)
         PATHREC *path = s.Group()->activePath;
         return ZrPathPtOn(x, y, ZRPICK_QUERY, nullptr, &view, s.table, &path, nullptr, nullptr) != 3;
     };
-    EXPECT_TRUE(near(100, 100, 96, 96));
-    EXPECT_FALSE(near(100, 100, 95, 100));
-    EXPECT_FALSE(near(100, 100, 100, 95));
-    EXPECT_TRUE(near(100, 100, 103, 103));
-    EXPECT_FALSE(near(100, 100, 104, 100));
-    EXPECT_FALSE(near(100, 100, 100, 104));
-    EXPECT_TRUE(near(0, 0, 3, 3));
-    EXPECT_TRUE(near(199, 199, 199, 199));
-    EXPECT_TRUE(near(202, 202, 199, 199));
-    EXPECT_FALSE(near(204, 204, 199, 199));
-    EXPECT_FALSE(near(-4, 0, 0, 0));
-    EXPECT_TRUE(near(-3, -3, 0, 0));
-    EXPECT_FALSE(near(INT32_MAX, INT32_MIN, 0, 0));
+    EXPECT_TRUE(nearby(100, 100, 96, 96));
+    EXPECT_FALSE(nearby(100, 100, 95, 100));
+    EXPECT_FALSE(nearby(100, 100, 100, 95));
+    EXPECT_TRUE(nearby(100, 100, 103, 103));
+    EXPECT_FALSE(nearby(100, 100, 104, 100));
+    EXPECT_FALSE(nearby(100, 100, 100, 104));
+    EXPECT_TRUE(nearby(0, 0, 3, 3));
+    EXPECT_TRUE(nearby(199, 199, 199, 199));
+    EXPECT_TRUE(nearby(202, 202, 199, 199));
+    EXPECT_FALSE(nearby(204, 204, 199, 199));
+    EXPECT_FALSE(nearby(-4, 0, 0, 0));
+    EXPECT_TRUE(nearby(-3, -3, 0, 0));
+    EXPECT_FALSE(nearby(INT32_MAX, INT32_MIN, 0, 0));
 }
 
 TEST(Pick, HiddenPathIsReachedByAnAddedClickOnly)
