@@ -13,7 +13,7 @@ namespace zr32 {
 namespace {
 
 /* Crossings of one part, and its height in pixel rows. */
-constexpr uint32_t mostPlacesOfPart = 1u << 17;
+constexpr uint32_t mostPlacesOfPart = 1u << 19;
 constexpr int32_t tallestPart = 64 * maskBandHeight;
 
 int32_t RowsPerPixel(int32_t aaMode, int32_t bits)
@@ -43,7 +43,7 @@ int PathBandFill(PATHREC *path, PATHBUF buf, int32_t evenOdd, int32_t aaMode, in
             if (info.bits == 32)
                 BandToMask32(table, buf, evenOdd != 0);
             else
-                BandToMask8(table, buf, evenOdd != 0, aaMode == 0, &cover);
+                BandToMask8(table, buf, evenOdd != 0, aaMode == 0, cover);
         }
     }
     RowCoverFree(&cover);

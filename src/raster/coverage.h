@@ -18,11 +18,12 @@ struct COLUMNENDS {
     double before;
 };
 
-/* Coverage of one pixel row, in sample rows. */
+/* Coverage of one pixel row, in sample rows. Only pointers: it is handed on by value, so that the compiler keeps them
+ * at hand. */
 struct ROWCOVER {
-    double near[nearColumns]; /* coverage of the first columns */
-    COLUMNENDS *ends;         /* of the others; width */
-    uint64_t *touched;        /* a bit for each column with ends */
+    double *near;      /* coverage of the first columns */
+    COLUMNENDS *ends;  /* of the others; width */
+    uint64_t *touched; /* a bit for each column with ends */
     int32_t width;
 };
 
@@ -30,7 +31,7 @@ int RowCoverAlloc(int32_t width, ROWCOVER *cover);
 void RowCoverFree(ROWCOVER *cover);
 
 /* Writes the pixel rows of a plain table into an 8-bit buffer. hard: 255 or 0 by a threshold. */
-void BandToMask8(EDGETABLE *table, PATHBUF buf, int evenOdd, int hard, ROWCOVER *cover);
+void BandToMask8(EDGETABLE *table, PATHBUF buf, int evenOdd, int hard, ROWCOVER cover);
 
 /* The same for a 32-bit buffer and a table of 4 sample rows a pixel. */
 void BandToMask32(EDGETABLE *table, PATHBUF buf, int evenOdd);

@@ -16,7 +16,7 @@ constexpr int64_t mostRows = 0x10000000;
 constexpr uint64_t mostPlacesOfTable = 0x40000000;
 
 /* The end of a row's list, and one crossing more than the control polygons ask for. */
-constexpr uint32_t firstSpare = 2;
+constexpr uint32_t firstSpare = 1;
 
 /* Order of crossings as an order of whole numbers: the magnitude, and below it the sign. */
 inline uint64_t SortKey(double crossing)
@@ -101,6 +101,7 @@ int EdgeTableLayOut(const PATHREC *path, int32_t top, int32_t bottom, uint32_t m
     table->bottom = bottom;
     table->rowCount = static_cast<uint32_t>(rows);
     table->overflow = 0;
+    table->band = {};
 
     /* rowStart first counts: its entries hold the change from the row before until that row is laid out. */
     std::fill_n(table->rowStart, table->rowCount + 1, 0);
@@ -133,23 +134,24 @@ int EdgeTableFill(PATHREC *path, EDGETABLE *table)
     }
 }
 
+/* Insertion, as rows are short and mostly in order already: contours tend to follow each other from left to right. A
+ * row that would take too many moves is sorted by other means. */
 double *EdgeTableSortRow(EDGETABLE *table, size_t row)
 {
-    constexpr uint32_t shortRow = 24;
+    constexpr uint32_t movesPerEntry = 8;
     double *crossings = table->crossings + table->rowStart[row];
     const uint32_t n = EdgeTableRowCount(table, row);
     crossings[n] = 0.0;
-    if (n > shortRow) {
-        std::sort(crossings, crossings + n, [](double a, double b) { return SortKey(a) < SortKey(b); });
-        return crossings;
-    }
-    for (uint32_t i = 1; i < n; i++) {
+    int64_t moves = int64_t{n} * movesPerEntry;
+    for (uint32_t i = 1; i < n && moves > 0; i++) {
         const double crossing = crossings[i];
         const uint64_t key = SortKey(crossing);
         uint32_t at = i;
         for (; at > 0 && SortKey(crossings[at - 1]) > key; at--) crossings[at] = crossings[at - 1];
         crossings[at] = crossing;
+        moves -= i - at;
     }
+    if (moves <= 0) std::sort(crossings, crossings + n, [](double a, double b) { return SortKey(a) < SortKey(b); });
     return crossings;
 }
 

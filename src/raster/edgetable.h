@@ -15,6 +15,14 @@ namespace zr32 {
 /* Height of a band of a mask, in pixel rows: an edge reaches only the rows of the bands in which its ends lie. */
 constexpr int32_t maskBandHeight = 50;
 
+/* Bands, in pixel rows and as rows of the table. */
+struct EDGEBAND {
+    double low;
+    double high;
+    int64_t firstRow;
+    int64_t endRow;
+};
+
 struct EDGETABLE {
     EDGEMODE mode;
     int banded; /* 1: rows form bands of a mask; 0: all are one band */
@@ -27,6 +35,7 @@ struct EDGETABLE {
     int32_t top;
     int32_t bottom;
     uint32_t rowCount;
+    EDGEBAND band; /* of the edge walked last */
 
     uint32_t spare;     /* places a row has above what the control polygons ask for */
     int overflow;       /* a row was full, its crossing is lost */

@@ -56,14 +56,12 @@ int64_t Ceil(double v)
 }
 
 /* Sample rows that an edge may reach: the bands between its ends, as far as the table goes. Rounding may carry a
- * near-vertical edge a row past its end; a band in which the edge has no part gets nothing of that. */
-struct ROWRANGE {
-    int64_t first;
-    int64_t end;
-};
-
-ROWRANGE RowsOfEdge(const EDGETABLE *table, double low, double high)
+ * near-vertical edge a row past its end; a band in which the edge has no part gets nothing of that. Most edges lie in
+ * the band of the one before them, whose rows are kept. */
+const EDGEBAND *BandOfEdge(double low, double high, EDGETABLE *table)
 {
+    EDGEBAND *band = &table->band;
+    if (low >= band->low && high < band->high) return band;
     int32_t first = table->top;
     int32_t end = table->bottom;
     if (table->banded) {
@@ -71,13 +69,16 @@ ROWRANGE RowsOfEdge(const EDGETABLE *table, double low, double high)
         if (high < end)
             end = std::min(end, static_cast<int32_t>(high) / maskBandHeight * maskBandHeight + maskBandHeight);
     }
-    return {static_cast<int64_t>(first - table->top) * table->rowsPerPixel,
-            static_cast<int64_t>(end - table->top) * table->rowsPerPixel};
+    *band = {static_cast<double>(first), static_cast<double>(end),
+             static_cast<int64_t>(first - table->top) * table->rowsPerPixel,
+             static_cast<int64_t>(end - table->top) * table->rowsPerPixel};
+    if (table->banded && end - first > maskBandHeight) band->high = band->low;
+    return band;
 }
 
 /* An upright edge: the rows between its ends, all at one place. The walk is measured in y, whose steps are exact, so
  * the first and the last row can be named. first is where the walk begins. */
-void AddUpright(const POINTDB &p0, const POINTDB &p1, int64_t first, const ROWRANGE &range, PATHNODE *node,
+void AddUpright(const POINTDB &p0, const POINTDB &p1, int64_t first, const EDGEBAND &band, PATHNODE *node,
                 EDGETABLE *table)
 {
     const double n = table->samples;
@@ -92,9 +93,9 @@ void AddUpright(const POINTDB &p0, const POINTDB &p1, int64_t first, const ROWRA
         low = Floor(p1.y * n) + 1 - topRow;
         end = std::min(first, Floor(p0.y * n) - topRow) + 1;
     }
-    end = std::min(end, range.end);
+    end = std::min(end, band.endRow);
     const double crossing = down ? p0.x : -p0.x;
-    for (int64_t row = std::max(low, range.first); row < end; row++)
+    for (int64_t row = std::max(low, band.firstRow); row < end; row++)
         EdgeTableAdd(table, crossing, static_cast<size_t>(row), node);
 }
 
@@ -118,9 +119,9 @@ inline int SlopeForward(SLOPEWALK *walk)
 }
 
 /* Brings a walk that begins outside the range to its first row there. 0 when it ends before. */
-int SlopeEnter(const ROWRANGE &range, SLOPEWALK *walk)
+int SlopeEnter(const EDGEBAND &band, SLOPEWALK *walk)
 {
-    int64_t away = walk->rowStep > 0 ? range.first - walk->row : walk->row - (range.end - 1);
+    int64_t away = walk->rowStep > 0 ? band.firstRow - walk->row : walk->row - (band.endRow - 1);
     if (away > mostRowsPassed) {
         walk->x += walk->dx * static_cast<double>(away);
         walk->row += walk->rowStep * away;
@@ -184,7 +185,7 @@ CERTAINROWS CertainRows(double startOffset, double height, double farX, const SL
  * each row; rows count from the edge's start until its end is reached. Edges towards smaller x are walked as their
  * mirror image, which rounds the same. startOffset leads from the edge's start to the row's place in y. */
 void AddSloping(const POINTDB &p0, const POINTDB &p1, double slope, double startOffset, int64_t row,
-                const ROWRANGE &range, PATHNODE *node, EDGETABLE *table)
+                const EDGEBAND &band, PATHNODE *node, EDGETABLE *table)
 {
     const int down = p1.y > p0.y;
     const double step = (down ? slope : -slope) * table->rowHeight;
@@ -198,10 +199,10 @@ void AddSloping(const POINTDB &p0, const POINTDB &p1, double slope, double start
     walk.row += certain.toStart * walk.rowStep;
     while (walk.x < from)
         if (!SlopeForward(&walk)) return;
-    if (!SlopeEnter(range, &walk)) return;
+    if (!SlopeEnter(band, &walk)) return;
 
     const double sign = down ? mirror : -mirror;
-    int64_t rows = down ? range.end - walk.row : walk.row - range.first + 1;
+    int64_t rows = down ? band.endRow - walk.row : walk.row - band.firstRow + 1;
     const int64_t sure = std::min(certain.toEnd - (walk.row - row) * walk.rowStep, rows);
     if (sure > 0) {
         AddRows(sure, sign, node, &walk, table);
@@ -221,13 +222,13 @@ void AddPiece(const POINTDB &p0, const POINTDB &p1, double width, PATHNODE *node
     const double low = std::min(p0.y, p1.y);
     const double high = std::max(p0.y, p1.y);
     if (high < table->top || low >= table->bottom) return;
-    const ROWRANGE range = RowsOfEdge(table, low, high);
+    const EDGEBAND &band = *BandOfEdge(low, high, table);
     const int64_t startPixel = static_cast<int64_t>(p0.y) + (height < 0);
     const int64_t row = (startPixel - table->top) * table->rowsPerPixel;
     if (width == 0)
-        AddUpright(p0, p1, row, range, node, table);
+        AddUpright(p0, p1, row, band, node, table);
     else
-        AddSloping(p0, p1, width / height, static_cast<double>(startPixel) - p0.y, row, range, node, table);
+        AddSloping(p0, p1, width / height, static_cast<double>(startPixel) - p0.y, row, band, node, table);
 }
 
 /* 1 when the hull of a curve lies so far above or below the table that no piece can reach it. */
