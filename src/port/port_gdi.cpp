@@ -177,7 +177,7 @@ HRGN CreateRectRgn(int left, int top, int right, int bottom)
 
 HGDIOBJ GetStockObject(int object)
 {
-    if (object >= WHITE_BRUSH && object <= NULL_BRUSH) return &stockBrushes[object - WHITE_BRUSH];
+    if (object >= WHITE_BRUSH && object <= NULL_BRUSH) return &stockBrushes[object];
     if (object >= WHITE_PEN && object <= NULL_PEN) return &stockPens[object - WHITE_PEN];
     return object == SYSTEM_FONT ? &stockFont : nullptr;
 }

@@ -1,11 +1,14 @@
 /* port_draw_test.cpp - lines, Beziers, rectangles: which pixels, which operation, and that a pair of draws restores. */
 #include "platform/platform.h"
 
+#include <algorithm>
 #include <climits>
+#include <cmath>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -300,6 +303,47 @@ TEST(PortDraw, BezierPassesThroughItsMiddle)
         for (char c : row) count += c == '#';
     EXPECT_GT(count, 60); /* connected: at least the longer of both axes twice */
     PictureFree(&p);
+}
+
+TEST(PortDraw, BezierStaysWithinAPixelOfTheCurve)
+{
+    std::mt19937 random(13);
+    std::uniform_int_distribution<int> place(0, 199);
+    for (int n = 0; n < 30; n++) {
+        PICTURE p = PictureMake(200, 200);
+        UseWhitePen(p);
+        POINT c[4];
+        for (POINT &point : c) point = {place(random), place(random)};
+        MoveToEx(p.dc, c[0].x, c[0].y, nullptr);
+        PolyBezierTo(p.dc, c + 1, 3);
+        LineTo(p.dc, c[3].x + 1, c[3].y); /* its own last point */
+        std::vector<std::pair<double, double>> curve;
+        for (int i = 0; i <= 2000; i++) {
+            const double t = i / 2000.0, s = 1 - t;
+            const double w[4] = {s * s * s, 3 * s * s * t, 3 * s * t * t, t * t * t};
+            double x = 0, y = 0;
+            for (int k = 0; k < 4; k++) {
+                x += w[k] * c[k].x;
+                y += w[k] * c[k].y;
+            }
+            curve.push_back({x, y});
+            bool drawn = false; /* some pixel next to every place of the curve */
+            for (int dy = -1; dy <= 1; dy++)
+                for (int dx = -1; dx <= 1; dx++) {
+                    const int px = static_cast<int>(std::lround(x)) + dx, py = static_cast<int>(std::lround(y)) + dy;
+                    if (px >= 0 && py >= 0 && px < 200 && py < 200) drawn = drawn || Pixel(p, px, py) != 0;
+                }
+            ASSERT_TRUE(drawn) << x << "," << y;
+        }
+        for (int y = 0; y < 200; y++)
+            for (int x = 0; x < 200; x++) {
+                if (!Pixel(p, x, y)) continue;
+                double nearest = 1e9;
+                for (const auto &[cx, cy] : curve) nearest = std::min(nearest, std::hypot(cx - x, cy - y));
+                ASSERT_LT(nearest, 1.5) << x << "," << y;
+            }
+        PictureFree(&p);
+    }
 }
 
 TEST(PortDraw, BezierTakesWholeTriplesOnly)

@@ -126,6 +126,7 @@ TEST_F(PortFont, HeightAboveZeroIsTheCellBelowZeroTheEm)
         EXPECT_EQ(metrics.tmAveCharWidth, c.tmAve);
         EXPECT_EQ(metrics.tmMaxCharWidth, c.tmMax);
         EXPECT_EQ(metrics.tmInternalLeading, c.leading);
+        EXPECT_EQ(metrics.tmExternalLeading, 0);
         EXPECT_EQ(metrics.tmItalic, 0);
         EXPECT_EQ(metrics.tmUnderlined, 1);
         EXPECT_EQ(metrics.tmStruckOut, 1);

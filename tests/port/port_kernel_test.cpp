@@ -38,6 +38,8 @@ TEST(PortKernel, ShrinkingInPlaceAlwaysWorksAndLeavesRoomToGrowBack)
     HANDLE heap = HeapCreate(0, 0, 0);
     void *block = HeapAlloc(heap, 0, 100);
     memset(block, 7, 100);
+    EXPECT_EQ(HeapReAlloc(heap, HEAP_REALLOC_IN_PLACE_ONLY | HEAP_ZERO_MEMORY, block, 50), block);
+    EXPECT_TRUE(AllBytes(block, 0, 50, 7));
     EXPECT_EQ(HeapReAlloc(heap, HEAP_REALLOC_IN_PLACE_ONLY, block, 40), block);
     EXPECT_EQ(HeapSize(heap, 0, block), 40u);
     EXPECT_EQ(HeapReAlloc(heap, HEAP_REALLOC_IN_PLACE_ONLY | HEAP_ZERO_MEMORY, block, 60), block);

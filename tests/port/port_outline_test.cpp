@@ -196,6 +196,30 @@ TEST(PortOutline, CoordinatesBeyondSixteenBitsAreRefused)
     EXPECT_EQ(Convert({{32767, -32767, POINT_ON}, {0, 0, POINT_ON}}, {1}, &bytes), 1);
 }
 
+TEST(PortOutline, RunsHoldAtMost65535Points)
+{
+    const struct {
+        int32_t lines;
+        size_t runs;
+    } cases[] = {{65535, 1}, {65536, 2}, {70000, 2}};
+    for (const auto &c : cases) {
+        std::vector<OUTLINEPOINT> points(static_cast<size_t>(c.lines) + 1, {1, 1, POINT_ON});
+        BYTES bytes;
+        ASSERT_EQ(Convert(points, {c.lines}, &bytes), 1);
+        EXPECT_EQ(bytes.size(), 16 + 4 * c.runs + 8 * static_cast<size_t>(c.lines));
+        WORD words[2];
+        memcpy(words, bytes.data() + 16, sizeof(words));
+        EXPECT_EQ(words[1], 65535);
+    }
+    /* A spline is not taken apart: with its end point it has one more than its control points. */
+    for (const int32_t controls : {65534, 65535}) {
+        std::vector<OUTLINEPOINT> points(static_cast<size_t>(controls) + 1, {1, 1, POINT_CONIC});
+        points[0].kind = POINT_ON;
+        BYTES bytes;
+        EXPECT_EQ(Convert(points, {controls}, &bytes), controls == 65534) << controls;
+    }
+}
+
 TEST(PortOutline, NothingIsWrittenBehindTheBuffer)
 {
     std::vector<OUTLINEPOINT> points = {{0, 0, POINT_ON},    {1, 0, POINT_CONIC}, {2, 0, POINT_ON},
