@@ -64,11 +64,15 @@ PATHREC *TailRecord()
     return tail;
 }
 
-int32_t Progress(int32_t code, int32_t value, int32_t, intptr_t)
+/* The library's figure starts again with every record, so the bar shows the highest so far. user is its address. */
+int32_t Progress(int32_t code, int32_t value, int32_t, intptr_t user)
 {
     constexpr int cells = 40;
+    int32_t *highest = reinterpret_cast<int32_t *>(user);
+    if (code == 1) return 1;
     if (code == 4) value = 100;
-    if (code == 1 || value < 0 || value > 100) return 1;
+    if (value <= *highest || value > 100) return 1;
+    *highest = value;
     char bar[cells + 1];
     for (int i = 0; i < cells; i++) bar[i] = i * 100 < value * cells ? '#' : '.';
     bar[cells] = 0;
@@ -207,7 +211,8 @@ int RoadSurface(ROAD *road)
     const int reachOut = static_cast<int>(std::ceil(o.width));
     const int outset = o.side == SIDE_INSIDE ? 0 : o.side == SIDE_OUTSIDE ? reachOut : -reachOut;
     const bool swept = o.builder == BUILD_SWEPT;
-    VMAPPROGRESS progress = {0, road->quiet ? nullptr : Progress, 0, 0, 100};
+    int32_t highest = -1;
+    VMAPPROGRESS progress = {0, road->quiet ? nullptr : Progress, reinterpret_cast<intptr_t>(&highest), 0, 100};
     road->distance = road->offset = reinterpret_cast<PATHBUF>(1); /* asks for both planes */
     road->reach = o.width;
     if (!ZrPathVMap(road->path, &road->distance, &road->offset, o.evenOdd, 0, o.builder == BUILD_ENVELOPE, outset,
