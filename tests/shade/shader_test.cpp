@@ -1,0 +1,561 @@
+/* shader_test.cpp - the four shaders: behaviours by hand, and random surfaces against the plain form. */
+#include "shade/plain_shader.h"
+
+#include "frame/frame.h"
+#include "support/shapes.h"
+#include <zr32path.h>
+
+#include <cmath>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <limits>
+#include <random>
+
+using namespace zr32;
+using zr32test::PlainShade;
+
+namespace {
+
+/* Buffers of one size for a shader; the surface is level until told otherwise. */
+struct SCENE {
+    int w;
+    int h;
+    PATHBUF image, distance, normals, mask, flat, bump, tintMap;
+
+    SCENE(int width, int height)
+        : w(width), h(height), image(ZrPathBufAlloc(24, w, h)), distance(ZrPathBufAlloc(32, w, h)),
+          normals(ZrPathBufAlloc(0x40, w, h)), mask(ZrPathBufAlloc(8, w, h)), flat(ZrPathBufAlloc(8, w, h)),
+          bump(ZrPathBufAlloc(8, w, h)), tintMap(ZrPathBufAlloc(24, w, h))
+    {
+        memset(image, 100, size_t(w * h * 3));
+        memset(mask, 255, size_t(w * h));
+    }
+    SCENE(const SCENE &) = delete;
+    SCENE &operator=(const SCENE &) = delete;
+
+    ~SCENE()
+    {
+        for (PATHBUF buf : {image, distance, normals, mask, flat, bump, tintMap}) ZrPathBufFree(buf);
+    }
+
+    void SetVector(int x, int y, SURFVEC16 v)
+    {
+        memcpy(normals + (y * w + x) * 8, &v, 8);
+    }
+    void SetFloats(int x, int y, SURFVECF v)
+    {
+        memcpy(normals + (y * w + x) * 8, &v, 8);
+    }
+    void SetDistance(int x, int y, float d)
+    {
+        memcpy(distance + (y * w + x) * 4, &d, 4);
+    }
+};
+
+/* The light state as at load, with the gamma map the identity so that levels can be read off. */
+void KnownState()
+{
+    const int32_t shininess[4] = {28, 28, 28, 28};
+    const int32_t percent[4] = {80, 80, 80, 80};
+    const uint32_t white[4] = {0xFFFFFF, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF};
+    ZrPathAdjPhongIllum(shininess, percent, 0, white, 1, 20);
+    const int32_t metal[4] = {100, 100, 100, 100};
+    const int32_t level[4] = {60, 60, 60, 60};
+    ZrPathAdjMetallicIllum(metal, level, 1, 80);
+    GammaMapBuild(1.0, gammaMap);
+}
+
+constexpr double a = 0.5773502;
+
+int Phong(SCENE &s, int32_t reflect = 0, PATHBUF flat = nullptr, int32_t floats = 0, int32_t toAlpha = 0,
+          int32_t bumpPercent = 0, PATHBUF bump = nullptr, double lx = -a, double ly = -a, double lz = a)
+{
+    return ZrPathShadePhong(s.image, 8, 0, 0, 0, floats, s.distance, s.normals, reflect, s.mask, flat, 0, 0, 0, lx, ly,
+                            lz, 0, toAlpha, bumpPercent, bump);
+}
+
+/* A level surface under the diagonal light: 20 % ambient, 0.94 x 0.577 diffuse, a highlight of 0.577 to the 28th. */
+int LevelValue(int base)
+{
+    const double dd = a * (80 * 0.01 * 0.3 + 0.7 / 1);
+    const double S = (2 * 1.0 * 1.0 - 1) * a;
+    const double ss = std::pow(S, 28.0) * (80 * 0.01);
+    return int(20 * 0.01 * base) + int(base * dd) + int(255 * ss);
+}
+
+TEST(Shader, LevelSurfaceByHand)
+{
+    KnownState();
+    SCENE s(4, 3);
+    ASSERT_EQ(1, Phong(s));
+    EXPECT_EQ(LevelValue(100), s.image[0]);
+    EXPECT_EQ(LevelValue(100), s.image[4 * 3 * 3 - 1]);
+}
+
+TEST(Shader, ANullRequiredBufferGivesZeroAndChangesNothing)
+{
+    KnownState();
+    SCENE s(4, 3);
+    const double before = SHADELIGHTS.factors.specular[0];
+    SHADELIGHTS.lightDir[0][0] = 0.25;
+    for (int missing = 0; missing < 4; missing++) {
+        PATHBUF image = missing == 0 ? nullptr : s.image, distance = missing == 1 ? nullptr : s.distance;
+        PATHBUF normals = missing == 2 ? nullptr : s.normals, mask = missing == 3 ? nullptr : s.mask;
+        EXPECT_EQ(0, ZrPathShadePhong(image, 8, 0, 0, 0, 0, distance, normals, 0, mask, nullptr, 0, 0, 0, -a, -a, a, 0,
+                                      1, 0, nullptr));
+        EXPECT_EQ(0, ZrPathShadeMetallic(image, 8, 0, 0, 0, 0, distance, normals, 0, mask, nullptr, 0, 0, 0, -a, -a, a,
+                                         0, nullptr, 1, 0, nullptr));
+        EXPECT_EQ(0, ZrPathShadeMultiPhong(image, 8, 0, 0, 0, 0, distance, normals, 0, mask, nullptr, 0, nullptr,
+                                           nullptr, nullptr, 0, 1, 0, nullptr));
+        EXPECT_EQ(0, ZrPathShadeMultiMetallic(image, 8, 0, 0, 0, 0, distance, normals, 0, mask, nullptr, 0, nullptr,
+                                              nullptr, nullptr, 0, nullptr, 1, 0, nullptr));
+    }
+    EXPECT_EQ(before, SHADELIGHTS.factors.specular[0]);
+    EXPECT_EQ(0.25, SHADELIGHTS.lightDir[0][0]);
+}
+
+TEST(Shader, APixelWithoutMaskAndFlatMaskIsLeftAlone)
+{
+    KnownState();
+    SCENE s(3, 1);
+    s.mask[1] = 0;
+    Phong(s);
+    EXPECT_NE(100, s.image[0]);
+    EXPECT_EQ(100, s.image[3]);
+    EXPECT_NE(100, s.image[6]);
+}
+
+TEST(Shader, AFlatPixelIsShadedWithoutMaskAndFullFlatMaskFillsTheMask)
+{
+    KnownState();
+    SCENE s(3, 1);
+    memset(s.mask, 0, 3);
+    s.flat[0] = 255;
+    s.flat[1] = 128;
+    Phong(s, 1, s.flat);
+    EXPECT_EQ(255, s.mask[0]);
+    EXPECT_EQ(LevelValue(100), s.image[0]);
+    EXPECT_EQ(128, s.mask[1]); /* a + 0 */
+    EXPECT_NE(100, s.image[3]);
+    EXPECT_EQ(0, s.mask[2]);
+    EXPECT_EQ(100, s.image[6]);
+}
+
+TEST(Shader, WithoutReflectTheFlatMaskIsIgnored)
+{
+    KnownState();
+    SCENE s(2, 1);
+    memset(s.mask, 0, 2);
+    s.flat[0] = 255;
+    Phong(s, 0, s.flat);
+    EXPECT_EQ(100, s.image[0]);
+    EXPECT_EQ(0, s.mask[0]);
+}
+
+TEST(Shader, ReflectActsOnNormalsWithoutAFlatMask)
+{
+    KnownState();
+    SCENE plain(1, 1), reflected(1, 1);
+    plain.SetVector(0, 0, {-512, 0, 0, 0});
+    reflected.SetVector(0, 0, {-512, 0, 0, 0});
+    Phong(plain, 0);
+    Phong(reflected, 1);
+    EXPECT_NE(plain.image[0], reflected.image[0]);
+}
+
+TEST(Shader, ABumpMapWithoutDepthIsNotRead)
+{
+    KnownState();
+    SCENE with(3, 2), without(3, 2);
+    for (int i = 0; i < 6; i++) with.bump[i] = uint8_t(i * 40);
+    Phong(with, 0, nullptr, 0, 0, 0, with.bump);
+    Phong(without);
+    EXPECT_EQ(0, memcmp(with.image, without.image, 18));
+    Phong(without, 0, nullptr, 0, 0, 50, nullptr); /* depth without a map is off too */
+}
+
+TEST(Shader, SlopesAreZeroInTheFirstRowAndColumn)
+{
+    KnownState();
+    SCENE s(2, 2), level(2, 2);
+    s.bump[0] = 200; /* its neighbours see a slope, itself none */
+    Phong(s, 0, nullptr, 0, 0, 100, s.bump);
+    Phong(level);
+    EXPECT_EQ(level.image[0], s.image[0]);
+    EXPECT_NE(level.image[3], s.image[3]);
+    EXPECT_NE(level.image[6], s.image[6]);
+}
+
+TEST(Shader, AFloatRecordWithoutSurfaceKeepsItsColourAndWordsAreShadedLevel)
+{
+    KnownState();
+    SCENE s(1, 1);
+    Phong(s, 0, nullptr, 1);
+    EXPECT_EQ(100, s.image[0]);
+    s.SetFloats(0, 0, {-0.0F, 0.0F}); /* compared by value */
+    s.SetDistance(0, 0, -0.0F);       /* not negative */
+    Phong(s, 0, nullptr, 1);
+    EXPECT_EQ(100, s.image[0]);
+    s.SetVector(0, 0, {0, 0, 0, 0});
+    Phong(s);
+    EXPECT_EQ(LevelValue(100), s.image[0]);
+}
+
+TEST(Shader, ANegativeDistanceHasNoSecondOffset)
+{
+    KnownState();
+    SCENE one(1, 1), two(1, 1);
+    one.SetVector(0, 0, {600, 100, 0, 0});
+    two.SetVector(0, 0, {600, 100, -600, 50});
+    one.SetDistance(0, 0, -4);
+    two.SetDistance(0, 0, -4);
+    Phong(one);
+    Phong(two);
+    EXPECT_EQ(0, memcmp(one.image, two.image, 3));
+    SCENE inside(1, 1);
+    inside.SetVector(0, 0, {600, 100, -600, 50});
+    Phong(inside);
+    EXPECT_NE(0, memcmp(inside.image, two.image, 3));
+}
+
+TEST(Shader, HighlightsInTheMaskAreFourTimesAsStrongForTheLengthOfTheCall)
+{
+    KnownState();
+    SCENE s(1, 1);
+    memset(s.mask, 10, 1);
+    memset(s.image, 0, 3);
+    const double before = SHADELIGHTS.factors.specular[0];
+    Phong(s, 0, nullptr, 0, 1, 0, nullptr, 0, 0, 1); /* light from the viewer: S is 1 */
+    EXPECT_EQ(before, SHADELIGHTS.factors.specular[0]);
+    EXPECT_EQ(255, s.mask[0]); /* 0.8 x 4 x 255 is above 255 */
+    EXPECT_EQ(255, s.image[0]);
+    SCENE clear(1, 1);
+    memset(clear.image, 0, 3);
+    Phong(clear, 0, nullptr, 0, 0, 0, nullptr, 0, 0, 1);
+    EXPECT_EQ(204, clear.image[0]); /* 0.8 x 255 */
+}
+
+TEST(Shader, SpotHeightIsFullOverTheMiddleAndCutAtTheCorner)
+{
+    KnownState();
+    /* At (50, 50) of a 2 x 2 image pixel (1, 1) lies right below the spot: c = lz x 70.71 / 70.71. */
+    SCENE s(2, 2);
+    ZrPathShadePhong(s.image, 8, 0, 0, 0, 0, s.distance, s.normals, 0, s.mask, nullptr, 1, 50, 50, 0, 0, 1, 0, 0, 0,
+                     nullptr);
+    const int full = int(20 * 0.01 * 100) + int(100 * (80 * 0.01 * 0.3 + 0.7)) + int(255 * (80 * 0.01));
+    EXPECT_EQ(std::min(full, 255), s.image[9]);
+    /* At (0, 0) the height is 0: v lies in the image's plane and a light from the viewer gives nothing but ambient. */
+    SCENE corner(2, 2);
+    ZrPathShadePhong(corner.image, 8, 0, 0, 0, 0, corner.distance, corner.normals, 0, corner.mask, nullptr, 1, 0, 0, 0,
+                     0, 1, 0, 0, 0, nullptr);
+    EXPECT_EQ(20, corner.image[9]);
+}
+
+TEST(Shader, BeforeTheGammaMapIsBuiltEveryWrittenPixelIsZero)
+{
+    KnownState();
+    memset(gammaMap, 0, sizeof gammaMap);
+    SCENE s(2, 1);
+    s.mask[1] = 0;
+    Phong(s);
+    EXPECT_EQ(0, s.image[0]);
+    EXPECT_EQ(100, s.image[3]);
+}
+
+TEST(Shader, TheFlatHighlightDependsOnTheNormalOfThePixelBefore)
+{
+    KnownState();
+    SCENE s(2, 1), alone(1, 1);
+    s.SetVector(0, 0, {-256, 0, 0, 0});
+    s.flat[1] = 255;
+    Phong(s, 2, s.flat, 0, 0, 0, nullptr, 0, 0, 1);
+    alone.flat[0] = 255;
+    Phong(alone, 2, alone.flat, 0, 0, 0, nullptr, 0, 0, 1);
+    EXPECT_NE(alone.image[0], s.image[3]);
+}
+
+/* ---- metal ---- */
+
+TEST(Shader, TheCoreOfAMetalHighlightHasThePlainTint)
+{
+    KnownState();
+    SCENE s(1, 1);
+    memset(s.image, 0, 3);
+    /* S is 1, p is 1, the entry behind the table reads 0.0: tint x specular, cut at 255. */
+    METALLIGHTS.factors.specular[0] = 0.5;
+    ZrPathShadeMetallic(s.image, 8, 0, 0, 0, 0, s.distance, s.normals, 0, s.mask, nullptr, 0, 0, 0, 0, 0, 1, 0x0A64C8,
+                        nullptr, 0, 0, nullptr);
+    EXPECT_EQ(100, s.image[0]); /* 0xC8 = 200 */
+    EXPECT_EQ(50, s.image[1]);
+    EXPECT_EQ(5, s.image[2]);
+}
+
+TEST(Shader, WithoutATintMapAllPixelsHaveTheOneTintAndWithItTheirOwn)
+{
+    KnownState();
+    SCENE s(2, 1);
+    memset(s.image, 0, 6);
+    METALLIGHTS.factors.specular[0] = 1.0;
+    s.tintMap[3] = 77;
+    ZrPathShadeMetallic(s.image, 8, 0, 0, 0, 0, s.distance, s.normals, 0, s.mask, nullptr, 0, 0, 0, 0, 0, 1, 0xFF,
+                        s.tintMap, 0, 0, nullptr);
+    EXPECT_EQ(0, s.image[0]);
+    EXPECT_EQ(77, s.image[3]);
+    memset(s.image, 0, 6);
+    ZrPathShadeMetallic(s.image, 8, 0, 0, 0, 0, s.distance, s.normals, 0, s.mask, nullptr, 0, 0, 0, 0, 0, 1, 0x20,
+                        nullptr, 0, 0, nullptr);
+    EXPECT_EQ(32, s.image[0]);
+    EXPECT_EQ(32, s.image[3]);
+}
+
+TEST(Shader, AMetalsAmbientWrapsInItsByteAndThePhongOneDoesNot)
+{
+    KnownState();
+    METALLIGHTS.factors.ambient = 1.5;
+    METALLIGHTS.factors.diffuse[0] = 0;
+    METALLIGHTS.factors.specular[0] = 0;
+    SHADELIGHTS.factors.ambient = 1.5;
+    SHADELIGHTS.factors.diffuse[0] = SHADELIGHTS.factors.specular[0] = 0;
+    SCENE metal(1, 1), phong(1, 1);
+    memset(metal.image, 200, 3);
+    memset(phong.image, 200, 3);
+    ZrPathShadeMetallic(metal.image, 8, 0, 0, 0, 0, metal.distance, metal.normals, 0, metal.mask, nullptr, 0, 0, 0, 0,
+                        0, 1, 0, nullptr, 0, 0, nullptr);
+    Phong(phong);
+    EXPECT_EQ(300 - 256, metal.image[0]);
+    EXPECT_EQ(255, phong.image[0]);
+}
+
+TEST(Shader, ALevelPixelWithAnSOfExactlyZeroGetsNoHighlight)
+{
+    KnownState();
+    METALLIGHTS.factors.ambient = 0;
+    SCENE s(1, 1);
+    memset(s.image, 90, 3);
+    ZrPathShadeMetallic(s.image, 8, 0, 0, 0, 0, s.distance, s.normals, 0, s.mask, nullptr, 0, 0, 0, 1, 0, 0, 0xFFFFFF,
+                        nullptr, 0, 0, nullptr);
+    EXPECT_EQ(0, s.image[0]);
+}
+
+/* ---- several lights ---- */
+
+TEST(Shader, SeveralLightsGiveBackAQuarterOfTheFactorsBehindTheLastLight)
+{
+    KnownState();
+    SCENE s(1, 1);
+    const double lights[12] = {0, 0, 1, -a, -a, a, a, a, a, 0, 0, 1};
+    const int32_t off[4] = {0, 0, 0, 0};
+    const int32_t pos[8] = {};
+    const double before = SHADELIGHTS.factors.specular[3];
+    ZrPathShadeMultiPhong(s.image, 8, 0, 0, 0, 0, s.distance, s.normals, 0, s.mask, nullptr, 2, off, pos, lights, 0, 1,
+                          0, nullptr);
+    EXPECT_EQ(before, SHADELIGHTS.factors.specular[0]);
+    EXPECT_EQ(before, SHADELIGHTS.factors.specular[1]);
+    EXPECT_EQ(before * 0.25, SHADELIGHTS.factors.specular[2]);
+    EXPECT_EQ(before * 0.25, SHADELIGHTS.factors.specular[3]);
+}
+
+TEST(Shader, OneOfSeveralLightsIsCloseToTheSingleFormButNotTheSame)
+{
+    KnownState();
+    SCENE single(30, 30), multi(30, 30);
+    const double light[3] = {-a, -a, a};
+    const int32_t on[1] = {1};
+    const int32_t pos[2] = {30, 40};
+    for (SCENE *s : {&single, &multi})
+        for (int i = 0; i < 900; i++)
+            s->SetVector(i % 30, i / 30, {int16_t(i % 30 * 64), int16_t(i / 30 * 50 - 700), 0, 0});
+    ZrPathShadePhong(single.image, 8, 0, 0, 0, 0, single.distance, single.normals, 0, single.mask, nullptr, 1, 30, 40,
+                     -a, -a, a, 0, 0, 0, nullptr);
+    ZrPathShadeMultiPhong(multi.image, 8, 0, 0, 0, 0, multi.distance, multi.normals, 0, multi.mask, nullptr, 1, on, pos,
+                          light, 0, 0, 0, nullptr);
+    int differing = 0;
+    int widest = 0;
+    for (int i = 0; i < 2700; i++) {
+        differing += single.image[i] != multi.image[i];
+        widest = std::max(widest, std::abs(single.image[i] - multi.image[i]));
+    }
+    EXPECT_GT(differing, 0);
+    EXPECT_LT(widest, 60);
+}
+
+TEST(Shader, SeveralMetalLightsWantAFlatMaskForReflectOneOnly)
+{
+    KnownState();
+    SCENE s(1, 1);
+    const double light[3] = {0, 0, 1};
+    const int32_t off[1] = {0};
+    const int32_t pos[2] = {0, 0};
+    EXPECT_EQ(0, ZrPathShadeMultiMetallic(s.image, 8, 0, 0, 0, 0, s.distance, s.normals, 1, s.mask, nullptr, 1, off,
+                                          pos, light, 0, nullptr, 0, 0, nullptr));
+    EXPECT_EQ(100, s.image[0]);
+    EXPECT_EQ(1, ZrPathShadeMultiMetallic(s.image, 8, 0, 0, 0, 0, s.distance, s.normals, 2, s.mask, nullptr, 1, off,
+                                          pos, light, 0, nullptr, 0, 0, nullptr));
+    EXPECT_NE(100, s.image[0]);
+}
+
+TEST(Shader, NoLightGivesTheAmbientTermAndMoreThanFourCountAsFour)
+{
+    KnownState();
+    SCENE none(1, 1), four(1, 1), nine(1, 1);
+    double lights[27];
+    for (int i = 0; i < 27; i++) lights[i] = i % 3 == 2 ? 1 : 0;
+    int32_t off[9] = {};
+    int32_t pos[18] = {};
+    for (int32_t count : {0, -3}) {
+        memset(none.image, 100, 3);
+        ZrPathShadeMultiPhong(none.image, 8, 0, 0, 0, 0, none.distance, none.normals, 0, none.mask, nullptr, count, off,
+                              pos, lights, 0, 0, 0, nullptr);
+        EXPECT_EQ(20, none.image[0]);
+    }
+    ZrPathShadeMultiPhong(four.image, 8, 0, 0, 0, 0, four.distance, four.normals, 0, four.mask, nullptr, 4, off, pos,
+                          lights, 0, 0, 0, nullptr);
+    ZrPathShadeMultiPhong(nine.image, 8, 0, 0, 0, 0, nine.distance, nine.normals, 0, nine.mask, nullptr, 9, off, pos,
+                          lights, 0, 0, 0, nullptr);
+    EXPECT_EQ(0, memcmp(four.image, nine.image, 3));
+}
+
+TEST(Shader, ASpotOfSeveralLightsHangsOnASphere)
+{
+    KnownState();
+    /* (0, 0): d = 10000, height 0; a light from the viewer gives nothing. (50, 0): d = 5000, not below: 0 too. (50,
+     * 25): d = 1250, sqrt(3750). */
+    const double light[3] = {0, 0, 1};
+    const int32_t on[1] = {1};
+    const int32_t places[3][2] = {{0, 0}, {50, 0}, {50, 25}};
+    for (const auto &place : places) {
+        SCENE s(4, 4);
+        ZrPathShadeMultiPhong(s.image, 8, 0, 0, 0, 0, s.distance, s.normals, 0, s.mask, nullptr, 1, on, place, light, 0,
+                              0, 0, nullptr);
+        const uint8_t middle = s.image[(2 * 4 + 2) * 3];
+        if (place[1] < 25) {
+            EXPECT_EQ(20, middle);
+        } else {
+            const double height = std::sqrt(3750.0);
+            const double c = height / std::sqrt(25.0 * 25.0 + height * height);
+            const double f = std::pow(c, 4.0);
+            const int wanted = 20 + int(100 * ((80 * 0.01 * 0.3 + 0.7) * f)) + int(255 * (80 * 0.01 * f));
+            EXPECT_NEAR(std::min(wanted, 255), middle, 1);
+        }
+    }
+}
+
+/* ---- random surfaces against the plain form ---- */
+
+class Random {
+  public:
+    explicit Random(uint32_t seed) : engine(seed) {}
+    int Range(int least, int most)
+    {
+        return least + int(engine() % uint32_t(most - least + 1));
+    }
+    double Unit()
+    {
+        return double(engine() % 20001) / 10000.0 - 1.0;
+    }
+
+  private:
+    std::mt19937 engine;
+};
+
+void FillRandom(Random &random, SCENE &s, bool floats)
+{
+    static const float odd[] = {0.0F,
+                                -0.0F,
+                                1.0F,
+                                -2.0F,
+                                300.0F,
+                                0.0001F,
+                                std::numeric_limits<float>::quiet_NaN(),
+                                std::numeric_limits<float>::infinity(),
+                                -std::numeric_limits<float>::infinity()};
+    const int flatColours = random.Range(1, 3);
+    for (int i = 0; i < s.w * s.h; i++) {
+        for (int c = 0; c < 3; c++) s.image[i * 3 + c] = uint8_t(random.Range(0, flatColours) * 60 + c);
+        for (int c = 0; c < 3; c++) s.tintMap[i * 3 + c] = uint8_t(random.Range(0, 255));
+        s.mask[i] = uint8_t(random.Range(0, 4) ? random.Range(0, 255) : 0);
+        s.flat[i] = uint8_t(random.Range(0, 2) ? 0 : random.Range(0, 1) ? 255 : random.Range(0, 255));
+        s.bump[i] = uint8_t(random.Range(0, 255));
+        s.SetDistance(i % s.w, i / s.w, odd[random.Range(0, 8)]);
+        if (floats) {
+            const float x = random.Range(0, 9) ? float(random.Unit() * 12) : odd[random.Range(0, 8)];
+            s.SetFloats(i % s.w, i / s.w, {x, float(random.Unit() * 12)});
+        } else {
+            const SURFVEC16 v = {int16_t(random.Range(-2600, 2600)),
+                                 int16_t(random.Range(-2600, 2600) / random.Range(1, 40)),
+                                 int16_t(random.Range(0, 1) * random.Range(-2600, 2600)),
+                                 int16_t(random.Range(0, 1) * random.Range(-2600, 2600))};
+            s.SetVector(i % s.w, i / s.w, v);
+        }
+    }
+}
+
+TEST(Shader, RandomSurfacesAreTheSameAsThePlainForm)
+{
+    static const int32_t profiles[] = {0, 1, 100, 101, 102, 103, 104, 55};
+    static const double widths[] = {8, 10, 1.5, 0.5, 0, -3, 1e9, std::numeric_limits<double>::quiet_NaN(), 2.25, 6};
+    for (uint32_t seed = 1; seed <= 600; seed++) {
+        Random random(seed);
+        KnownState();
+        if (random.Range(0, 1)) ShadingGammaToMap();
+        for (LIGHTFACTORS *f : {&SHADELIGHTS.factors, &METALLIGHTS.factors}) {
+            f->ambient = random.Range(0, 150) * 0.01;
+            for (int i = 0; i < 4; i++) {
+                f->diffuse[i] = random.Range(0, 150) * 0.01;
+                f->specular[i] = random.Range(-5, 250) * 0.01;
+                f->shininess[i] = random.Range(1, 60);
+            }
+        }
+        for (auto &colour : SHADELIGHTS.lightColor)
+            for (uint8_t &channel : colour) channel = uint8_t(random.Range(0, 255));
+        const MODEL model = MODEL(random.Range(0, 3));
+        const bool multi = model == MULTI_PHONG || model == MULTI_METALLIC;
+        const bool floats = random.Range(0, 2) == 0;
+        SCENE fast(random.Range(1, 24), random.Range(1, 16));
+        FillRandom(random, fast, floats);
+        SHADEJOB job = {};
+        job.form =
+            SurfaceForm(widths[random.Range(0, 3) ? random.Range(0, 1) : random.Range(0, 9)],
+                        profiles[random.Range(0, 7)], random.Range(0, 1), random.Range(0, 2) * 13, random.Range(0, 2));
+        job.floatNormals = floats;
+        job.lightCount = multi ? random.Range(0, 4) : 1;
+        for (int i = 0; i < 4; i++) {
+            job.spotOn[i] = random.Range(0, 2) == 0;
+            job.spotX[i] = random.Range(-10, 110);
+            job.spotY[i] = random.Range(-10, 110);
+            for (double &value : job.direction[i]) value = random.Unit();
+        }
+        job.fixedAmbient = random.Range(0, 1);
+        job.specularToAlpha = random.Range(0, 1);
+        job.bumpPercent = random.Range(0, 1) * random.Range(0, 200);
+        job.tint = uint32_t(random.Range(0, 0xFFFFFF));
+        SCENE plain(fast.w, fast.h);
+        const size_t pixels = size_t(fast.w) * size_t(fast.h);
+        memcpy(plain.image, fast.image, pixels * 3);
+        memcpy(plain.mask, fast.mask, pixels);
+        job.normalMap = fast.normals;
+        job.distanceMap = fast.distance;
+        job.flatMask = random.Range(0, 1) ? fast.flat : nullptr;
+        job.bumpMap = random.Range(0, 1) ? fast.bump : nullptr;
+        job.tintMap = random.Range(0, 2) ? nullptr : fast.tintMap;
+        /* Planes of another size than the image now and then. */
+        PATHBUF small = ZrPathBufAlloc(0x40, std::max(1, fast.w - 2), std::max(1, fast.h - 1));
+        if (random.Range(0, 5) == 0) job.normalMap = small;
+
+        SHADEJOB yard = job;
+        job.image = fast.image;
+        job.mask = fast.mask;
+        yard.image = plain.image;
+        yard.mask = plain.mask;
+        METALLIGHTS.metalBase[0] = 9;
+        ASSERT_EQ(1, ShadeImage(model, &job));
+        METALLIGHTS.metalBase[0] = 9;
+        PlainShade(model, yard);
+        ASSERT_EQ(0, memcmp(fast.image, plain.image, pixels * 3)) << "seed " << seed;
+        ASSERT_EQ(0, memcmp(fast.mask, plain.mask, pixels)) << "seed " << seed;
+        ZrPathBufFree(small);
+    }
+    KnownState();
+}
+
+} // namespace
