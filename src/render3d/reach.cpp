@@ -1,0 +1,312 @@
+/* reach.cpp - how far inward the bevel runs at a point of the outline.
+ *
+ * The mask tells which side is inside. The surface map holds for each pixel the way to the nearest outline, and for
+ * pixels on a ridge the way to a second one: where, going inward, these vectors turn from this side of the shape to
+ * another, the bevel meets the one from the other side and ends. The mitre between two such ridge points is a straight
+ * line, so neighbouring sections that find different ridges share it out in proportion.
+ */
+#include "render3d/render.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace zr32 {
+
+namespace {
+
+constexpr uint32_t maskOutside = 0xFFFFFFFFu;
+constexpr uint32_t maskInside = 0;
+
+struct PIXELAT {
+    int32_t x;
+    int32_t y;
+};
+
+int operator==(const PIXELAT &a, const PIXELAT &b)
+{
+    return a.x == b.x && a.y == b.y;
+}
+
+PIXELAT PixelAt(const POINTDB &p)
+{
+    return {PixelIndex(p.x), PixelIndex(p.y)};
+}
+
+uint32_t MaskPixel(const RENDER *render, const PIXELAT &pixel)
+{
+    if (!BufHasPixel(render->maskInfo, pixel.x, pixel.y)) return maskOutside;
+    const uint8_t *p = BufRow(render->mask, render->maskInfo, pixel.y) + 4 * static_cast<size_t>(pixel.x);
+    return static_cast<uint32_t>(p[0]) | static_cast<uint32_t>(p[1]) << 8 | static_cast<uint32_t>(p[2]) << 16 |
+           static_cast<uint32_t>(p[3]) << 24;
+}
+
+/* 1 when the mask bit of the sub-pixel that holds the point lies outside the shape. */
+int MaskBit(const RENDER *render, const POINTDB &p)
+{
+    const PIXELAT pixel = PixelAt(p);
+    const uint32_t mask = MaskPixel(render, pixel);
+    if (pixel.x < 0 || pixel.y < 0) return 1;
+    const uint32_t row = static_cast<uint32_t>(TruncInt((p.y - pixel.y) * 4)) & 3u;
+    const uint32_t column = static_cast<uint32_t>(TruncInt((p.x - pixel.x) * 8)) & 7u;
+    return (mask >> 8 * row & 0x80u >> column) != 0;
+}
+
+/* What the surface map knows at a pixel. */
+struct WAYS {
+    POINTDB v1; /* to the nearest outline */
+    POINTDB v2; /* to another one, or zero */
+};
+
+WAYS WaysAt(const RENDER *render, const PIXELAT &pixel)
+{
+    if (!BufHasPixel(render->surfaceInfo, pixel.x, pixel.y)) return {};
+    const SURFVEC16 *ways =
+        reinterpret_cast<const SURFVEC16 *>(BufRow(render->surface, render->surfaceInfo, pixel.y)) + pixel.x;
+    constexpr double unit = 1.0 / 256;
+    return {{ways->x1 * unit, ways->y1 * unit}, {ways->x2 * unit, ways->y2 * unit}};
+}
+
+POINTDB Negative(const POINTDB &a)
+{
+    return {-a.x, -a.y};
+}
+
+/* Where a ridge search stopped. */
+struct RIDGE {
+    double r;
+    POINTDB back; /* from the outline to the pixel it stopped on */
+    PIXELAT pixel;
+};
+
+struct RIDGEPAIR {
+    POINTDB a;
+    POINTDB b;
+    int stepBack; /* found between this pixel and the one before, which counts as its pixel */
+};
+
+/* One pixel of the search and the one before it. */
+struct RIDGESTEP {
+    WAYS now;
+    WAYS before;
+    POINTDB step; /* from the previous pixel to this one */
+};
+
+/* 1 when the vectors have turned at this pixel: the two sides that meet there, the own one first. */
+int FindRidge(const RIDGESTEP *s, const POINTDB &inward, double tolerance, RIDGEPAIR *pair)
+{
+    const POINTDB &v1 = s->now.v1;
+    const POINTDB &v2 = s->now.v2;
+    const POINTDB &p1 = s->before.v1;
+    const POINTDB &p2 = s->before.v2;
+    const double l1 = Length(v1);
+    const double l2 = Length(v2);
+    const int isDouble = (v2.x != 0 || v2.y != 0) && std::fabs(l1 - l2) <= 0.7 && !SameDirection(v1, v2, tolerance);
+    pair->stepBack = 0;
+    if (isDouble) {
+        const POINTDB outward = Negative(inward);
+        if (SameDirection(v1, outward, tolerance)) {
+            *pair = {v1, v2, 0};
+            return 1;
+        }
+        if (SameDirection(v2, outward, tolerance)) {
+            *pair = {v2, v1, 0};
+            return 1;
+        }
+    } else if (SameDirection(v1, p1, tolerance)) {
+        return 0;
+    }
+    if (SameDirection(v2, p1, tolerance)) {
+        *pair = {v2, v1, 0};
+        return 1;
+    }
+    const double lp1 = Length(p1);
+    const double lp2 = Length(p2);
+    if (std::fabs(lp1 - lp2) < 2.0 && !SameDirection(p1, p2, tolerance))
+        *pair = {p1, p2, 1};
+    else if (std::fabs(lp1 - l1) < 2.0 && !SameDirection(p1, v1, tolerance))
+        *pair = {p1, s->step + v1, 1};
+    else if (std::fabs(lp1 - l2) < 2.0 && !SameDirection(p1, v2, tolerance))
+        *pair = {p1, s->step + v2, 1};
+    else
+        *pair = {p1, {0, 0}, 1};
+    return 1;
+}
+
+/* Goes inward from at until the surface turns to another side of the shape, at most as far as the bevel is wide. */
+void RidgeSearch(const RENDER *render, const POINTDB &at, const POINTDB &inward, double tolerance, RIDGE *ridge)
+{
+    constexpr double stride = 0.2;
+    const double width = render->width;
+    double limit = width; /* the nearest ridge expected so far */
+    RIDGE kept = {};      /* where that one was seen */
+    RIDGESTEP s = {};
+    s.before.v1 = inward * -0.1;
+    PIXELAT previous = {};
+    int hasPrevious = 0;
+    *ridge = {};
+    for (double t = 1;;) {
+        const PIXELAT pixel = PixelAt(at + inward * t);
+        if (!hasPrevious || !(pixel == previous)) {
+            const int outside = !BufHasPixel(render->maskInfo, pixel.x, pixel.y);
+            if (outside || (hasPrevious && MaskPixel(render, pixel) != maskInside)) {
+                *ridge = kept;
+                ridge->r = t * 0.5;
+                return;
+            }
+            s.now = WaysAt(render, pixel);
+            s.step = {0, 0};
+            if (hasPrevious)
+                s.step = POINTDB{static_cast<double>(pixel.x), static_cast<double>(pixel.y)} -
+                         POINTDB{static_cast<double>(previous.x), static_cast<double>(previous.y)};
+            RIDGEPAIR pair;
+            if (FindRidge(&s, inward, tolerance, &pair)) {
+                const double la = Length(pair.a);
+                double q = RidgeDistance(pair.a, pair.b, la, Length(pair.b));
+                if (!std::isfinite(q)) q = width;
+                const RIDGE found = {q, Negative(pair.a), pair.stepBack && hasPrevious ? previous : pixel};
+                if (limit == width && (q - la <= 3 || q >= width)) {
+                    *ridge = found;
+                    return;
+                }
+                if (limit == width || q < limit) {
+                    limit = q;
+                    kept = found;
+                }
+            }
+            previous = pixel;
+            hasPrevious = 1;
+            s.before = s.now;
+        }
+        const int close = limit <= t + stride;
+        if (close && limit >= width) {
+            *ridge = kept;
+            ridge->r = width;
+            return;
+        }
+        if (close) t = limit;
+        t += stride;
+        if (limit < t) {
+            *ridge = kept;
+            ridge->r = t;
+            return;
+        }
+    }
+}
+
+/* Shares the way between two ridge points out among the sections between their feet. *reach comes in as found at this
+ * section alone. */
+void MitreReach(const RENDER *render, const POINTDB &s, const RIDGE *ridge, double *r, POINTDB *reach, MITRE *mitre)
+{
+    const int same = mitre->reach.x == reach->x && mitre->reach.y == reach->y;
+    const POINTDB a = same ? mitre->halfFoot : mitre->foot;
+    const POINTDB b = same ? mitre->halfReach : mitre->reach;
+    const POINTDB centre = {ridge->pixel.x + render->maskOrigin.x + 0.5, ridge->pixel.y + render->maskOrigin.y + 0.5};
+    const POINTDB foot = centre - ridge->back;
+    const POINTDB h = foot - a;
+    double u = 1.0;
+    if (std::fabs(h.x) >= 1e-5 || std::fabs(h.y) >= 1e-5) u = Dot(h, s - a) / Dot(h, h);
+    const POINTDB from = a + b;
+    const POINTDB inner = from + (foot + *reach - from) * u;
+    if (foot.x != mitre->foot.x || foot.y != mitre->foot.y) {
+        mitre->halfFoot = LerpPoint(mitre->foot, foot, 0.5);
+        mitre->halfReach = LerpPoint(mitre->reach, *reach, 0.5);
+        mitre->reach = *reach;
+        mitre->foot = foot;
+    }
+    *reach = inner - s;
+    *r = Length(*reach);
+    if (*r > render->width) {
+        *reach = *reach * (render->width / *r);
+        *r = render->width;
+    }
+}
+
+/* Near the outline's ends the mask itself says where the shape ends: the bisector between the segment and what stops
+ * the way inward. */
+double NearReach(const RENDER *render, const POINTDB &segmentStart, const POINTDB &at, const POINTDB &inward)
+{
+    double t = 0.25;
+    while (t <= 2 && !MaskBit(render, at + inward * t)) t += 0.1;
+    const double la = Length(at - segmentStart);
+    const double lb = Length(at + inward * t - segmentStart);
+    return la + lb > 0 ? t * la / (la + lb) : 0;
+}
+
+} // namespace
+
+int SameDirection(const POINTDB &a, const POINTDB &b, double tolerance)
+{
+    const int byX = std::fabs(a.x) >= std::fabs(a.y);
+    const double majorA = byX ? a.x : a.y;
+    const double majorB = byX ? b.x : b.y;
+    if (majorA == 0 || majorB == 0 || (majorA > 0) != (majorB > 0)) return 0;
+    const double slopeA = (byX ? a.y : a.x) / majorA;
+    const double slopeB = (byX ? b.y : b.x) / majorB;
+    return std::fabs(slopeA - slopeB) < tolerance;
+}
+
+double RidgeDistance(const POINTDB &a, const POINTDB &b, double la, double lb)
+{
+    if (la == 0 || lb == 0) return la;
+    if (std::fabs(la - lb) < 0.1 && la > 5) return (la + lb) / 2;
+    const double c = Dot(a, b) / (la * lb);
+    return std::fabs(lb <= la ? (lb - la * c) / (1 - c) : (lb - la) / (1 - c) + la);
+}
+
+int InwardSide(const RENDER *render, const POINTDB &at, const POINTDB &normal, POINTDB *inward, int *isClear)
+{
+    const uint32_t far = MaskPixel(render, PixelAt(at + normal * 2));
+    const uint32_t near = MaskPixel(render, PixelAt(at - normal * 2));
+    *isClear = 1;
+    if (far == maskOutside && near == maskInside) {
+        *inward = Negative(normal);
+        return 1;
+    }
+    if (far == maskInside && near == maskOutside) {
+        *inward = normal;
+        return 1;
+    }
+    *isClear = 0;
+    const int plus = MaskBit(render, at + normal * 0.25);
+    const int minus = MaskBit(render, at - normal * 0.25);
+    if (plus == minus) return 0;
+    *inward = plus ? Negative(normal) : normal;
+    return 1;
+}
+
+void SectionAt(const RENDER *render, const POINTDB &segmentStart, const POINTDB &at, const POINTDB &tangent,
+               double tolerance, MITRE *mitre, SECTION *section)
+{
+    *section = {at, {0, 0}, {0, 0}};
+    const POINTDB s = at + render->maskOrigin;
+    const int first = !mitre->begun;
+    if (first) *mitre = {s, {0, 0}, s, {0, 0}, 1};
+
+    POINTDB normal;
+    POINTDB other;
+    OutlineNormals(tangent, &normal, &other);
+    int isClear;
+    if (render->width <= 0 || !InwardSide(render, at, normal, &section->inward, &isClear)) return;
+
+    double r;
+    RIDGE ridge = {};
+    const int searched = render->surface && isClear;
+    if (searched) {
+        RidgeSearch(render, at, section->inward, tolerance, &ridge);
+        r = ridge.r;
+    } else if (render->surface) {
+        r = NearReach(render, segmentStart, at, section->inward);
+    } else {
+        r = isClear ? 2 : 0;
+    }
+    if (!(r <= render->width)) r = render->width;
+    if (first && r < 1) r = 0;
+    section->reach = section->inward * r;
+    if (first || (searched && r == render->width))
+        *mitre = {s, section->reach, s, section->reach, 1};
+    else if (searched)
+        MitreReach(render, s, &ridge, &r, &section->reach, mitre);
+    if (!std::isfinite(r)) section->reach = {0, 0};
+}
+
+} // namespace zr32

@@ -1,0 +1,234 @@
+/* strip.cpp - one cross-section of the bevel: samples from the rim inward, raised by the profile, turned, projected and
+ * lit.
+ *
+ * Neighbouring samples lie at most half a pixel apart on the output, so that with sections as dense a closed face has
+ * no pinhole: the step along the section shrinks where the profile is steep and grows again where it is flat.
+ *
+ * State: the silhouette limit.
+ */
+#include "render3d/render.h"
+#include "shade/profile.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace zr32 {
+
+namespace {
+
+double facingWide = 0.12;
+constexpr double facingNear = 0.06;
+
+constexpr double longestStep = 0.5; /* pixels of the longer axis */
+constexpr double shortStep = 0.25;  /* below this the step may double */
+constexpr double leastPart = 1e-4;  /* of a step */
+
+double ProjectedLength(const RENDER *render, const POINTDB &a, const POINTDB &b)
+{
+    return Length(ProjectFlat(render, b) - ProjectFlat(render, a));
+}
+
+int ProfileIndex(double position)
+{
+    constexpr int last = static_cast<int>(profileSteps) - 1;
+    return position < last ? std::max(0, TruncInt(position)) : last;
+}
+
+/* Height of the surface i steps from the rim. Between entries it runs straight where the samples are denser. */
+double HeightAt(const RUN *run, double i, double part)
+{
+    const double position = i * run->index;
+    const int entry = ProfileIndex(position);
+    const double height = PROFILETBL[entry].height;
+    if (!(part * run->index <= 1) || position >= profileSteps) return height;
+    return height + (PROFILETBL[ProfileIndex(position + 1)].height - height) * (position - entry);
+}
+
+/* A point in space on its way to the output. 0 when the eye cannot see it: at its height or behind it. */
+int SampleProject(const RENDER *render, POINT3D *p, POINTDB *out)
+{
+    SpaceTurn(&render->space, p);
+    const double eye = render->space.eye.z;
+    if (!(eye / (eye - p->z) > 0)) return 0;
+    POINTDB picture;
+    ProjectFromEye(&render->space.eye, p, &picture);
+    *out = picture - render->outOrigin;
+    return std::isfinite(out->x) && std::isfinite(out->y) && std::isfinite(p->z);
+}
+
+/* The sample i steps from the rim, not yet lit. 0 when it cannot be seen; it then lies nowhere. */
+int SampleAt(RENDER *render, const RUN *run, double i, double part, SAMPLE *sample)
+{
+    const POINTDB offset = run->inward * (run->stride * i);
+    const POINTDB at = run->at + offset;
+    POINT3D p = {at.x, at.y, HeightAt(run, i, part)};
+    *sample = {};
+    sample->material = &render->material;
+    sample->at = {-1, -1};
+    if (!SampleProject(render, &p, &sample->at)) return 0;
+
+    POINT3D n = {-offset.x, -offset.y, PROFILETBL[ProfileIndex(i * run->index)].rise};
+    VecNormalize(&n.x);
+    RotatePoint3D(&n, &render->space.matrix);
+    sample->normal = n;
+    sample->z = p.z;
+    sample->facing = FacingDot(&p, &n, &render->space.eye);
+    return 1;
+}
+
+double Apart(const SAMPLE *a, const SAMPLE *b)
+{
+    return std::max(std::fabs(a->at.x - b->at.x), std::fabs(a->at.y - b->at.y));
+}
+
+void RunStart(const RENDER *render, const SECTION *section, RUN *run)
+{
+    const double r = Length(section->reach);
+    const POINTDB inner = section->at + section->reach;
+    const POINTDB middle = LerpPoint(section->at, inner, 0.5);
+    const double n =
+        std::trunc(ProjectedLength(render, section->at, middle)) + std::trunc(ProjectedLength(render, middle, inner));
+    /* Thin ends of the bevel, at corners and in fine strokes, would open up without a sample; a length that is no
+     * number gives one too. */
+    run->steps = n >= 1 ? std::min(n, static_cast<double>(maxStripPoints)) : 1;
+    run->at = section->at + render->maskOrigin;
+    run->inward = section->reach * (1 / r);
+    run->stride = r / run->steps;
+    run->index = run->stride / render->width * profileSteps;
+}
+
+/* Room for one more point. 0 when the strip is full or memory short. */
+int StripReserve(STRIP *strip)
+{
+    if (strip->count < strip->room) return 1;
+    if (strip->room >= maxStripPoints) return 0;
+    const uint32_t room = strip->room ? strip->room * 2 : 256;
+    STRIPPOINT *points = static_cast<STRIPPOINT *>(BufReAlloc(strip->points, room * sizeof(STRIPPOINT), 0));
+    if (!points) return 0;
+    strip->points = points;
+    strip->room = room;
+    return 1;
+}
+
+int InPlane(const RENDER *render, const SAMPLE *sample)
+{
+    return sample->at.x >= 0 && sample->at.x < render->abuf.info.width && sample->at.y >= 0 &&
+           sample->at.y < render->abuf.info.height;
+}
+
+int SamePixel(const SAMPLE *a, const SAMPLE *b)
+{
+    return PixelIndex(a->at.x) == PixelIndex(b->at.x) && PixelIndex(a->at.y) == PixelIndex(b->at.y);
+}
+
+/* An edge where the surface turns from the eye: the pixel is covered against the direction of the normal. */
+void PutSilhouette(RENDER *render, SAMPLE *sample)
+{
+    const POINTDB out = {sample->normal.x, sample->normal.y};
+    const EDGESHAPE shape = {EDGE_ACROSS, {0, 0}, out * (1 / Length(out)), sample->at};
+    ABufPutEdge(&render->abuf, PixelIndex(sample->at.x), PixelIndex(sample->at.y), sample, &shape);
+}
+
+/* Goes back along the strip in tenths of a step, within the pixel, to where the surface turns. 0 when it does not turn
+ * in this pixel. */
+int FindTurn(RENDER *render, const RUN *run, const STRIPPOINT *point, double part, SAMPLE *turn)
+{
+    for (int tenth = 1; tenth <= 10; tenth++) {
+        SAMPLE sample;
+        const double i = point->i - part * 0.1 * tenth;
+        if (i < 0 || !SampleAt(render, run, i, part, &sample) || !SamePixel(&sample, &point->sample)) return 0;
+        if (std::fabs(sample.facing) > facingWide) return 0;
+        if (std::fabs(sample.facing) < facingNear || (sample.facing > 0) != (point->sample.facing > 0)) {
+            *turn = sample;
+            return 1;
+        }
+    }
+    return 0;
+}
+
+} // namespace
+
+void FacingWideBy(int32_t width)
+{
+    if (width < 15)
+        facingWide = 0.2;
+    else if (width < 25)
+        facingWide = 0.15;
+}
+
+double FacingWide()
+{
+    return facingWide;
+}
+
+POINTDB ProjectFlat(const RENDER *render, const POINTDB &at)
+{
+    const POINTDB picture = at + render->maskOrigin;
+    return SpaceProject(&render->space, picture.x, picture.y, 0) - render->outOrigin;
+}
+
+void StripBuild(RENDER *render, const SECTION *section, STRIP *strip)
+{
+    strip->count = 0;
+    RUN &run = strip->run;
+    RunStart(render, section, &run);
+    int seen = SampleAt(render, &run, 0, 1, &strip->rim);
+    double part = 1;
+    for (double i = 0; i < run.steps && StripReserve(strip);) {
+        STRIPPOINT *point = &strip->points[strip->count];
+        const SAMPLE *last = strip->count > 0 ? &point[-1].sample : &strip->rim;
+        double next = std::min(i + part, run.steps);
+        int visible = SampleAt(render, &run, next, part, &point->sample);
+        double jump = seen && visible ? Apart(last, &point->sample) : 0;
+        while (jump > longestStep && part > leastPart) {
+            part = std::max(leastPart, part * std::min(0.9, longestStep / jump));
+            next = std::min(i + part, run.steps);
+            visible = SampleAt(render, &run, next, part, &point->sample);
+            jump = seen && visible ? Apart(last, &point->sample) : 0;
+        }
+        if (!(next > i)) return; /* a step too small to count */
+        i = next;
+        if (jump < shortStep) part = std::min(1.0, part * 2);
+        point->i = i;
+        point->share = i / run.steps;
+        seen = visible;
+        strip->count++;
+    }
+}
+
+void StripDraw(RENDER *render, STRIP *strip)
+{
+    for (uint32_t k = 0; k < strip->count; k++) {
+        STRIPPOINT *point = &strip->points[k];
+        SAMPLE *sample = &point->sample;
+        if (!InPlane(render, sample)) continue;
+        const STRIPPOINT *before = k > 0 ? point - 1 : nullptr;
+        const int turned = before && (before->sample.facing > 0) != (sample->facing > 0);
+        const double steep = std::fabs(sample->facing);
+        /* The rim has an edge of its own, which must not be cut by the turn of a profile that begins upright. */
+        if ((turned || steep < facingWide) && Apart(sample, &strip->rim) > 1) {
+            SAMPLE turn;
+            if (steep < facingNear) {
+                PutSilhouette(render, sample);
+                continue;
+            }
+            if (steep < facingWide &&
+                FindTurn(render, &strip->run, point, point->i - (before ? before->i : 0), &turn)) {
+                *sample = turn;
+                PutSilhouette(render, sample);
+                continue;
+            }
+        }
+        PutSample(render, sample);
+    }
+}
+
+void StripsFree(RENDER *render)
+{
+    for (STRIP &strip : render->strips) {
+        if (strip.points) BufFree(strip.points);
+        strip = {};
+    }
+}
+
+} // namespace zr32
