@@ -30,11 +30,11 @@ uint32_t MixColour(uint32_t a, uint32_t b, double t)
     return mix;
 }
 
-/* Walks a rim on to its next point. Points closer than a pixel are gathered first, so that the line is walked in its
+/* Walks a rim on to its next point. Points closer than gather are left for later, so that a smooth line is walked in its
  * fine steps and misses no pixel that it only clips. */
-void RimTo(RENDER *render, RIMWALK *rim, SAMPLE *to, const POINTDB &inside)
+void RimTo(RENDER *render, RIMWALK *rim, SAMPLE *to, const POINTDB &inside, double gather)
 {
-    if (rim->open && Apart(&rim->from, to) <= 1) return;
+    if (rim->open && Apart(&rim->from, to) <= gather) return;
     if (rim->open) ABufWalkLine(&render->abuf, &rim->from, to, inside);
     rim->from = *to;
     rim->open = 1;
@@ -125,8 +125,8 @@ void SectionDraw(RENDER *render, const SECTION *section)
     strip->rim.normal = strip->points[0].sample.normal;
     strip->rim.facing = strip->points[0].sample.facing;
     if (render->joined) FillStrips(render, before, strip);
-    RimTo(render, &render->outer, &strip->rim, inside);
-    RimTo(render, &render->inner, &strip->points[strip->count - 1].sample, inside);
+    RimTo(render, &render->outer, &strip->rim, inside, 1.0);
+    RimTo(render, &render->inner, &strip->points[strip->count - 1].sample, inside, 0.0);
     render->joined = 1;
 }
 
