@@ -263,22 +263,23 @@ PICTURE PictureSheet(const std::string &title, const std::vector<LABELLED> &pict
 {
     const int gap = 16;
     const int labelHeight = 30;
-    int cellHeight = 1;
-    for (const LABELLED &entry : pictures)
-        cellHeight = std::max(cellHeight, cellWidth * entry.picture.height / std::max(1, entry.picture.width));
-    const int rows = (static_cast<int>(pictures.size()) + columns - 1) / columns;
     const int titleHeight = 56;
-    PICTURE sheet =
-        PictureMake(gap + columns * (cellWidth + gap), titleHeight + rows * (cellHeight + labelHeight + gap), 3);
+    const auto fitted = [&](const PICTURE &picture) { return cellWidth * picture.height / std::max(1, picture.width); };
+    std::vector<int> tops = {titleHeight}; /* of each row, and behind the last */
+    for (size_t i = 0; i < pictures.size(); i += static_cast<size_t>(columns)) {
+        int highest = 1;
+        for (size_t j = i; j < std::min(i + static_cast<size_t>(columns), pictures.size()); j++)
+            highest = std::max(highest, fitted(pictures[j].picture));
+        tops.push_back(tops.back() + labelHeight + highest + gap);
+    }
+    PICTURE sheet = PictureMake(gap + columns * (cellWidth + gap), tops.back(), 3);
     std::fill(sheet.bytes.begin(), sheet.bytes.end(), uint8_t{244});
     Write(&sheet, title, gap, 10, 32);
     for (size_t i = 0; i < pictures.size(); i++) {
         const int left = gap + static_cast<int>(i) % columns * (cellWidth + gap);
-        const int top = titleHeight + static_cast<int>(i) / columns * (cellHeight + labelHeight + gap);
-        const PICTURE &picture = pictures[i].picture;
+        const int top = tops[i / static_cast<size_t>(columns)];
         Write(&sheet, pictures[i].label, left, top, 20);
-        Fit(&sheet, picture, left, top + labelHeight, cellWidth,
-            cellWidth * picture.height / std::max(1, picture.width));
+        Fit(&sheet, pictures[i].picture, left, top + labelHeight, cellWidth, fitted(pictures[i].picture));
     }
     return sheet;
 }

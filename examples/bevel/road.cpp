@@ -141,6 +141,16 @@ int Shade(ROAD *road)
                             0, o.bump, road->bumpMap);
 }
 
+/* A surface outside the outline is lit where it lies: the mask is filled wherever there is distance. */
+void CoverSurface(ROAD *road, int width, int height)
+{
+    for (size_t i = 0; i < static_cast<size_t>(width) * static_cast<size_t>(height); i++) {
+        float distance;
+        memcpy(&distance, road->distance + i * sizeof distance, sizeof distance);
+        if (distance != 0) road->mask[i] = 255;
+    }
+}
+
 int SameChain(const PATHREC *a, const PATHREC *b)
 {
     for (; a && b; a = a->nextPath, b = b->nextPath) {
@@ -245,6 +255,7 @@ int RoadLight(ROAD *road)
                         source, 0, road->mask, nullptr, o.bump, road->bumpMap);
         ZrPathBufFree(source);
     }
+    if (o.side != SIDE_INSIDE) CoverSurface(road, width, height);
     if (!Shade(road)) return Fail("the image could not be lit");
     if (o.face || o.edge)
         ZrPathTransparentMask(road->mask, o.face, o.edge, road->reach, o.profile, o.invert, o.scale, road->floatOffsets,

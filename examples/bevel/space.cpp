@@ -96,7 +96,7 @@ int SpaceRender(const ROAD &road, const double *turn, int glass, PICTURE *pictur
     PATHBUF colour = ZrPathBufAlloc(24, road.width, road.height);
     PATHBUF alpha = ZrPathBufAlloc(8, road.width, road.height);
     const POINTFXMAT3D camera = Camera(road, turn);
-    const uint32_t material = 0x2C5CD6; /* blue, green, red from the low byte up */
+    const uint32_t material = 0xD65C2C; /* blue, green, red from the low byte up */
     const OPTIONS &o = road.options;
     const int rendered = colour && alpha &&
                          ZrPathABufRender(road.path, &camera, colour, alpha, 0, &outOrigin, &maskOrigin, &material,
