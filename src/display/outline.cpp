@@ -117,14 +117,10 @@ void StepCurve(PIXELCHAIN *chain, const POINTDB *p, const POINTDB &low, const PO
     MAINAXIS before = MAINLY_VERTICAL;
     while (step.t <= parameterEnd) {
         FitCurveStep(&step, &adjusted);
-        const MAINAXIS axis = MainAxis(step.d);
-        /* Where the main axis changes, one sample still goes by the old one. */
-        const int onWhole = step.t == 0 || step.t == parameterEnd;
-        const MAINAXIS used = onWhole ? axis : before;
-        before = axis;
+        const MAINAXIS axis = AxisOfSample(step.d, step.t, &before);
         const POINTDB position = step.pos * subPixelOfStep;
         if (position.x >= low.x - 1 && position.x <= high.x + 1 && position.y >= low.y - 1 && position.y <= high.y + 1)
-            TouchSample(chain, position, step.t, used, MinorSlope(step.d, used));
+            TouchSample(chain, position, step.t, axis, MinorSlope(step.d, axis));
         CurveAdvance(&step);
     }
 }

@@ -149,11 +149,14 @@ int MaskOfGroup(PATHREC *path, const MASKREQUEST &request, RECT *rect, PATHBUF *
     return 1;
 }
 
-/* Masks of the shape and, for a selected one, of those behind it in the selection. The number; 0 without memory. */
+/* Masks of the shape and, for a selected one, of those behind it in the selection. The number; 0 without memory. There
+ * are no more shapes than selected records: links that lead in a circle end there. */
 int32_t MasksOfGroups(PATHREC *path, const MASKREQUEST &request, MASKRESULTS *results)
 {
+    int32_t most = 0;
+    for (const PATHREC *record = path; record; record = record->nextSel) most++;
     int32_t count = 0;
-    while (path) {
+    while (path && count < most) {
         const uint32_t index = static_cast<uint32_t>(count);
         RECT rect;
         PATHBUF buf;

@@ -168,6 +168,18 @@ TEST(PathToBuf, ArraysGrowByTwentyAndKeepWhatTheyHold)
     }
 }
 
+TEST(PathToBuf, LinksThatLeadInACircleEnd)
+{
+    std::vector<PATHREC *> paths = SelectedBoxes(3);
+    /* The join chain runs against the selection: behind the last record the second follows again. */
+    paths[2]->nextJoin = paths[0];
+    tagRECT *rects;
+    PATHBUF *bufs;
+    EXPECT_EQ(3, ZrPathToBuf(paths[0], 8, 0, 1, 0, 0x10000, &rects, &bufs, 0));
+    FreeResults(3, rects, bufs);
+    FreeAll(paths);
+}
+
 /* The reduction worked out from a mask of the full size, pixel by pixel. */
 int BoxMean(const MASK &large, int x, int y, double factor)
 {

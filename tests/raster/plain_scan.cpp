@@ -31,7 +31,7 @@ int32_t Cut(double v)
 void Nudge(double step, double *v)
 {
     const double n = Cut(1 / step);
-    if (*v * n == Cut(*v * n)) *v += 0.00001;
+    if (*v * n == std::trunc(*v * n)) *v += 0.00001;
 }
 
 void Walk(PT p0, PT p1, double dx, BAND *band)
@@ -84,7 +84,7 @@ void Walk(PT p0, PT p1, double dx, BAND *band)
 
 void Curve(const PT *p, BAND *band)
 {
-    const double *c[4] = {&p[0].x, &p[1].x, &p[2].x, &p[3].x};
+    const double c[4][2] = {{p[0].x, p[0].y}, {p[1].x, p[1].y}, {p[2].x, p[2].y}, {p[3].x, p[3].y}};
     double pos[2], d[2], dd[2], ddd[2];
     for (int i = 0; i < 2; i++) {
         const double a = ((c[1][i] - c[2][i]) - (c[2][i] - c[3][i])) * 24576;
