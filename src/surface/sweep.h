@@ -105,6 +105,14 @@ void ChooseSideOnCurve(const CURVESTEP *step, int mayVote, SWEEP *sweep);
 /* c + c + ... + sum, times additions, each rounded, in a few operations. sum and c are not negative. */
 double AddRepeatedly(double sum, double c, int64_t times);
 
+/* A position's pixel, cut towards zero; far outside, and for what is not a number, one that no buffer has. Never turns
+ * back where positions do not. */
+inline int32_t PixelOf(double position)
+{
+    if (!(position > -1)) return -1;
+    return position < INT32_MAX ? static_cast<int32_t>(position) : INT32_MAX;
+}
+
 /* What lies outside the mask is empty. */
 inline uint8_t SweepMaskByte(const SWEEP *sweep, int32_t x, int32_t y)
 {

@@ -50,12 +50,14 @@ double RayEntry(const POINTDB &origin, const POINTDB &direction, double from, do
         const double start = at[axis] + from * along[axis];
         if (start >= 1 && start < size[axis]) continue;
         if (start < 1 ? !(along[axis] > 0) : !(along[axis] < 0)) return farthestRay; /* it never comes nearer */
-        const double reached = ((start < 1 ? 1 : size[axis]) - at[axis]) / along[axis];
+        /* Early by what a position and this sum may be rounded, taken largely. */
+        const double border = start < 1 ? 1 : size[axis];
+        const double reached =
+            (border - at[axis]) / along[axis] - (std::fabs(at[axis]) + size[axis]) / std::fabs(along[axis]) * 1e-15;
         if (!(reached < farthestRay)) return farthestRay;
         if (reached > entry) entry = reached;
     }
-    /* Two steps and a little are left to the rounding of the sums above. */
-    const double steps = std::floor((entry - from - entry * 1e-9) / step) - 2;
+    const double steps = std::floor((entry - from) / step) - 2;
     return steps > 0 ? from + steps * step : from;
 }
 

@@ -15,7 +15,7 @@ constexpr int64_t lineVoteShare = 0x2000; /* at least an eighth of a line votes 
 
 static uint8_t MaskByteAt(const SWEEP *sweep, const POINTDB &q)
 {
-    return SweepMaskByte(sweep, TruncInt(q.x), TruncInt(q.y));
+    return SweepMaskByte(sweep, PixelOf(q.x), PixelOf(q.y));
 }
 
 /* 1 when the two looks decide. */
@@ -72,7 +72,7 @@ struct PIXEL {
 static PIXEL LineVotePixel(const SWEEP *sweep, const POINTDB &offset, int64_t i)
 {
     const POINTDB q = sweep->p + sweep->t * static_cast<double>(i) + offset;
-    return {TruncInt(q.x), TruncInt(q.y)};
+    return {PixelOf(q.x), PixelOf(q.y)};
 }
 
 static int LineVoteMeets(const SWEEP *sweep, const POINTDB &offset, int64_t i, PIXEL pixel)
