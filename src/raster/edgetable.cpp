@@ -170,12 +170,13 @@ int EdgeTableOfChain(EDGEMODE mode, PATHREC *path, double zoom, int32_t left, in
         EDGEENTRY *first = made->entries + made->rowStart[row];
         EDGEENTRY *end = made->entries + made->rowNext[row];
         *end = {0.0, nullptr, 0};
-        /* The flag holds the place in the order of the walk while the row is sorted. */
+        /* The flag holds the place in the order of the walk while the row is sorted: equal crossings keep that order,
+         * whatever their sign, since it decides what the exact surface sees at a corner. */
         for (EDGEENTRY *entry = first; entry < end; entry++) entry->spanFlag = static_cast<int32_t>(entry - first);
         std::sort(first, end, [](const EDGEENTRY &a, const EDGEENTRY &b) {
-            const uint64_t keyA = SortKey(a.crossing);
-            const uint64_t keyB = SortKey(b.crossing);
-            return keyA != keyB ? keyA < keyB : a.spanFlag < b.spanFlag;
+            const uint64_t sizeA = SortKey(a.crossing) >> 1;
+            const uint64_t sizeB = SortKey(b.crossing) >> 1;
+            return sizeA != sizeB ? sizeA < sizeB : a.spanFlag < b.spanFlag;
         });
         for (EDGEENTRY *entry = first; entry < end; entry++) entry->spanFlag = 0;
     }

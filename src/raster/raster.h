@@ -78,8 +78,8 @@ struct EDGETABLE;
 
 /* The crossings of every record of the join chain that begins with path with the pixel rows (or columns) 0 to
  * rowCount - 1, one sample row each; the origin lies at (left, top) in zoomed pixels. x lies at v x zoom - left,
- * without the half pixel that y has: that is how rows of one sample are placed. Rows are sorted by magnitude, of equal
- * crossings the positive comes first, then the one that was walked first. 1; 0, with *table null, without memory. */
+ * without the half pixel that y has: that is how rows of one sample are placed. Rows are sorted by magnitude, equal
+ * crossings stay in the order of the walk. 1; 0, with *table null, without memory. */
 int EdgeTableOfChain(EDGEMODE mode, PATHREC *path, double zoom, int32_t left, int32_t top, int32_t rowCount,
                      EDGETABLE **table);
 

@@ -95,7 +95,7 @@ TEST(EdgeTable, VerticesOnTheSampleGridGiveWholePairs)
     RecordFree(path);
 }
 
-TEST(EdgeTable, EqualCrossingsKeepTheOrderOfTheWalkWithinASign)
+TEST(EdgeTable, EqualCrossingsKeepTheOrderOfTheWalkWhateverTheirSign)
 {
     /* Three uprights at one place: down, up, down. */
     PATHREC *path = MakePath({{6, 5.25, 1}, {2, 5.25, 9}, {6, 5.25, 9}, {2, 5.25, 1}, {6, 5.25, 1}, {2, 5.25, 9}});
@@ -104,9 +104,9 @@ TEST(EdgeTable, EqualCrossingsKeepTheOrderOfTheWalkWithinASign)
     const ROW row = RowOf(table, 5);
     ASSERT_EQ(3u, row.count);
     EXPECT_EQ(path->nodes + 1, row.entries[0].node);
-    EXPECT_EQ(path->nodes + 5, row.entries[1].node);
-    EXPECT_EQ(path->nodes + 3, row.entries[2].node);
-    EXPECT_GT(0, row.entries[2].crossing);
+    EXPECT_EQ(path->nodes + 3, row.entries[1].node);
+    EXPECT_EQ(path->nodes + 5, row.entries[2].node);
+    EXPECT_GT(0, row.entries[1].crossing);
     EdgeTableFree(table);
     RecordFree(path);
 }

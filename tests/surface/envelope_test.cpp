@@ -29,9 +29,9 @@ std::vector<TESTNODE> BilinearBox(double left, double top, double right, double 
 std::vector<TESTNODE> BicubicBox(double left, double top, double right, double bottom)
 {
     const double third = (right - left) / 3;
-    return {{6, left, top},          {4, left + third, top},     {4, right - third, top},
-            {4, right, top},         {2, right, bottom},         {4, right - third, bottom},
-            {4, left + third, bottom}, {4, left, bottom},        {3, left, top}};
+    return {{6, left, top},     {4, left + third, top},     {4, right - third, top},   {4, right, top},
+            {2, right, bottom}, {4, right - third, bottom}, {4, left + third, bottom}, {4, left, bottom},
+            {3, left, top}};
 }
 
 MAPCALL EnvelopeCall(PATHREC *head)
@@ -62,7 +62,14 @@ TEST(EnvelopeMap, HalfWidthReplacesTheCallersWidth)
         {"five nodes, the left side longer", {{6, 20, 10}, {2, 80, 20}, {2, 80, 50}, {2, 20, 60}, {3, 20, 10}}, 25.0},
         {"nine nodes: between the middles of the long sides", BicubicBox(21, 20, 81, 50), 15.0},
         {"nine nodes, bulging: the middles count",
-         {{6, 20, 40}, {4, 40, 20}, {4, 60, 20}, {4, 80, 40}, {2, 80, 50}, {4, 60, 70}, {4, 40, 70}, {4, 20, 50},
+         {{6, 20, 40},
+          {4, 40, 20},
+          {4, 60, 20},
+          {4, 80, 40},
+          {2, 80, 50},
+          {4, 60, 70},
+          {4, 40, 70},
+          {4, 20, 50},
           {3, 20, 40}},
          20.0},
         {"198 wide", BilinearBox(20, 20, 80, 218), 99.0},
@@ -126,7 +133,9 @@ TEST(EnvelopeMap, FiveNodesAreTheNineWithStraightCurves)
     for (int y = 0; y < 41; y++)
         for (int x = 0; x < 71; x++) {
             const float d = DistAt(b.dist, x, y);
-            if (d > 0 && d < 100) EXPECT_EQ(d, DistAt(a.dist, x, y)) << x << ", " << y;
+            if (d > 0 && d < 100) {
+                EXPECT_EQ(d, DistAt(a.dist, x, y)) << x << ", " << y;
+            }
         }
     Free(&a);
     Free(&b);
