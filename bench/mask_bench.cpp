@@ -5,108 +5,20 @@
  * outline itself stands ready in the form that each takes. Counters: microseconds of each in its fastest turn, and ours
  * over theirs.
  */
-#include "store/store.h"
+#include "freetype_outline.h"
 
 #include <algorithm>
 #include <benchmark/benchmark.h>
 #include <cairo.h>
 #include <chrono>
-#include <cmath>
 #include <cstdlib>
-#include <ft2build.h>
-#include <random>
-#include <vector>
 #include <zr32path.h>
-
-#include FT_OUTLINE_H
 
 namespace {
 
-struct PT {
-    double x, y;
-};
-
-/* Closed contours of cubics: a start and three points a curve. A line is a cubic with its controls on it, but for the
- * star, whose contour is one of corners. */
-struct SHAPE {
-    std::vector<std::vector<PT>> contours;
-    bool lines;
-};
-
-/* A closed smooth curve through points on a wobbling circle. */
-std::vector<PT> Blob(PT center, PT radius, int curves, double wobble, std::mt19937 &random)
-{
-    std::uniform_real_distribution<double> factor(1 - wobble, 1.0);
-    std::vector<PT> on;
-    for (int i = 0; i < curves; i++) {
-        const double angle = 2 * M_PI * i / curves;
-        const double f = factor(random);
-        on.push_back({center.x + std::cos(angle) * radius.x * f, center.y + std::sin(angle) * radius.y * f});
-    }
-    std::vector<PT> contour = {on[0]};
-    const size_t n = on.size();
-    for (size_t i = 0; i < n; i++) {
-        const PT &a = on[(i + n - 1) % n], &b = on[i], &c = on[(i + 1) % n], &d = on[(i + 2) % n];
-        contour.push_back({b.x + (c.x - a.x) / 6, b.y + (c.y - a.y) / 6});
-        contour.push_back({c.x - (d.x - b.x) / 6, c.y - (d.y - b.y) / 6});
-        contour.push_back(c);
-    }
-    return contour;
-}
-
-SHAPE BlobShape(double size)
-{
-    std::mt19937 random(1);
-    return {{Blob({size / 2, size / 2}, {size / 2, size / 2}, 40, 0.3, random)}, false};
-}
-
-SHAPE GlyphShape(double size)
-{
-    std::mt19937 random(2);
-    SHAPE shape = {{}, false};
-    for (int row = 0; row < 10; row++)
-        for (int column = 0; column < 20; column++)
-            shape.contours.push_back(
-                Blob({(column + 0.5) * size * 1.25, (row + 0.5) * size * 1.25}, {size / 2, size / 2}, 10, 0.4, random));
-    return shape;
-}
-
-/* A thin star: long spikes to both sides. */
-SHAPE StarShape(double width)
-{
-    const double height = width / 20;
-    std::vector<PT> contour;
-    for (int i = 0; i < 20; i++) {
-        const double angle = 2 * M_PI * i / 20;
-        const double f = i % 2 ? 0.1 : 0.5;
-        contour.push_back({width / 2 + std::cos(angle) * f * width, height / 2 + std::sin(angle) * f * height});
-    }
-    contour.push_back(contour[0]);
-    return {{contour}, true};
-}
+using namespace zr32bench;
 
 /* ---- ours ---- */
-
-PATHREC *OurPath(const SHAPE &shape)
-{
-    ZrPathInit();
-    std::vector<PATHREC *> records;
-    for (const std::vector<PT> &contour : shape.contours) {
-        PATHREC *record = zr32::RecordAlloc(contour.size());
-        record->nodeCount = static_cast<uint32_t>(contour.size());
-        for (size_t i = 0; i < contour.size(); i++) {
-            const int last = i + 1 == contour.size();
-            const int type = i == 0 ? PATHNODE_START : (shape.lines ? PATHNODE_LINE : PATHNODE_CURVE) + last;
-            record->nodes[i] = {static_cast<uint16_t>(type), DbToFix(contour[i].x), DbToFix(contour[i].y)};
-        }
-        records.push_back(record);
-    }
-    for (size_t i = 1; i < records.size(); i++) {
-        records[i - 1]->nextJoin = records[i];
-        records[i]->prevJoin = records[i - 1];
-    }
-    return records[0];
-}
 
 void OurMask(PATHREC *path)
 {
@@ -153,30 +65,6 @@ void CairoMask(const cairo_path_t *path, int width, int height)
 }
 
 /* ---- FreeType ---- */
-
-struct FTSHAPE {
-    std::vector<FT_Vector> points;
-    std::vector<char> tags;
-    std::vector<short> ends;
-    FT_Outline outline;
-};
-
-void FreeTypePath(const SHAPE &shape, FTSHAPE *ft)
-{
-    for (const std::vector<PT> &c : shape.contours) {
-        for (size_t i = 0; i + 1 < c.size(); i++) {
-            ft->points.push_back({std::lround(c[i].x * 64), std::lround(c[i].y * 64)});
-            ft->tags.push_back(shape.lines || i % 3 == 0 ? FT_CURVE_TAG_ON : FT_CURVE_TAG_CUBIC);
-        }
-        ft->ends.push_back(static_cast<short>(ft->points.size() - 1));
-    }
-    ft->outline = {static_cast<short>(ft->ends.size()),
-                   static_cast<short>(ft->points.size()),
-                   ft->points.data(),
-                   ft->tags.data(),
-                   ft->ends.data(),
-                   FT_OUTLINE_NONE};
-}
 
 void FreeTypeMask(FT_Library library, FT_Outline *outline, int width, int height)
 {
@@ -234,11 +122,7 @@ void SideBySide(benchmark::State &state, SHAPE (*make)(double))
 
     FT_Done_FreeType(library);
     cairo_path_destroy(cairoPath);
-    while (path) {
-        PATHREC *next = path->nextJoin;
-        ZrPathDeletePtr(path, 0);
-        path = next;
-    }
+    FreeOurPath(path);
 }
 
 void BlobOf40Curves(benchmark::State &state)
