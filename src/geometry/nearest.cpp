@@ -7,6 +7,7 @@
 #include "geometry/nearest.h"
 
 #include <algorithm>
+#include <bit>
 
 namespace zr32 {
 
@@ -40,9 +41,12 @@ void QuinticOfDistance(const POINTDB *controls, const POINTDB &point, QUINTIC *f
 /* Zero counts as positive, and so does what is not a number. */
 int SignChanges(const QUINTIC *form)
 {
-    int changes = 0;
-    for (int i = 1; i <= quintic; i++) changes += (form->p[i - 1].y < 0) != (form->p[i].y < 0);
-    return changes;
+    const POINTDB *p = form->p;
+    const unsigned below = static_cast<unsigned>(p[0].y < 0) | static_cast<unsigned>(p[1].y < 0) << 1 |
+                           static_cast<unsigned>(p[2].y < 0) << 2 | static_cast<unsigned>(p[3].y < 0) << 3 |
+                           static_cast<unsigned>(p[4].y < 0) << 4 | static_cast<unsigned>(p[5].y < 0) << 5;
+    constexpr unsigned neighbours = (1U << quintic) - 1;
+    return std::popcount((below ^ below >> 1) & neighbours);
 }
 
 /* 1 when the band along the chord that holds the whole polygon meets the axis within the error. */
@@ -53,12 +57,15 @@ int FlatEnough(const QUINTIC *form)
     const double a = first.y - last.y;
     const double b = last.x - first.x;
     const double c = first.x * last.y - last.x * first.y;
+    const double surelyTooHigh =
+        std::fabs(a) * (2 * flatError); /* the common case needs neither all points nor a quotient */
     double above = 0;
     double below = 0;
     for (int i = 1; i < quintic; i++) {
         const double distance = a * form->p[i].x + b * form->p[i].y + c;
         above = std::max(above, distance);
         below = std::min(below, distance);
+        if (above - below > surelyTooHigh) return 0;
     }
     return (above - below) / std::fabs(a) < flatError;
 }
@@ -70,15 +77,28 @@ double ChordRoot(const QUINTIC *form)
     return first.x - first.y * (last.x - first.x) / (last.y - first.y);
 }
 
+/* Levels of repeated halving, written out by the compiler so that the points stay in registers: most of the time of a
+ * search goes here. */
+template <int LEVEL, int I = 0> void HalveLevels(POINTDB *p, POINTDB *left)
+{
+    p[I] = (p[I] + p[I + 1]) * 0.5;
+    if constexpr (I < quintic - LEVEL) {
+        HalveLevels<LEVEL, I + 1>(p, left);
+    } else {
+        left[LEVEL] = p[0];
+        if constexpr (LEVEL < quintic) HalveLevels<LEVEL + 1>(p, left);
+    }
+}
+
 /* Cuts at the middle: form becomes its right half. */
 void QuinticSplit(QUINTIC *form, QUINTIC *left)
 {
     left->depth = ++form->depth;
     left->p[0] = form->p[0];
-    for (int level = 1; level <= quintic; level++) {
-        for (int i = 0; i <= quintic - level; i++) form->p[i] = (form->p[i] + form->p[i + 1]) * 0.5;
-        left->p[level] = form->p[0];
-    }
+    POINTDB p[quintic + 1];
+    std::copy(form->p, form->p + quintic + 1, p);
+    HalveLevels<1>(p, left->p);
+    std::copy(p, p + quintic + 1, form->p);
 }
 
 } // namespace
