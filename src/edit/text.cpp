@@ -73,17 +73,10 @@ size_t CountLines(const char *text)
     return count;
 }
 
-/* Copies a line, cut to what fits; a double-byte character goes whole or not at all. */
-void CopyLine(const TEXTSPAN &line, uint8_t charSet, char *out)
+/* Copies a line, cut to what fits. Half a double-byte character at the cut gets no glyph: see GlyphTableBuild. */
+void CopyLine(const TEXTSPAN &line, char *out)
 {
-    size_t length = 0;
-    while (length < line.length) {
-        const bool pair =
-            charSet != SYMBOL_CHARSET && IsDBCSLeadByte(ByteAt(line.text + length)) && length + 1 < line.length;
-        const size_t next = length + (pair ? 2 : 1);
-        if (next > longestLine) break;
-        length = next;
-    }
+    const size_t length = std::min(line.length, longestLine);
     memcpy(out, line.text, length);
     out[length] = 0;
 }
@@ -97,7 +90,7 @@ FIXED WholePixels(int64_t pixels)
 PATHREC *ConvertLine(HDC hdc, const TEXTSPAN &span, const TEXTPARAM *param, uint8_t charSet)
 {
     char text[longestLine + 1];
-    CopyLine(span, charSet, text);
+    CopyLine(span, text);
     GLYPHTABLE *table = nullptr;
     PATHREC *path = nullptr;
     GlyphTableBuild(hdc, text, param->slant, charSet, &table);
@@ -142,7 +135,6 @@ void AlignLines(TEXTLINE *lines, size_t count, const TEXTPARAM *param)
         height = std::max(height, lines[i].height);
     }
     for (size_t i = 0; i < count; i++) {
-        if (!lines[i].path) continue;
         if (param->vertical)
             MoveLine(lines[i].path, 0, (height - lines[i].height) / divisor);
         else

@@ -35,7 +35,8 @@ static_assert(sizeof(void *) != 4 || offsetof(GLYPHTABLE, glyphs) == 4, "entries
 constexpr uint32_t contourHeaderSize = 16;
 
 /* The glyphs of a text in the font of the device context, sheared where slant is not 0 and the character set lets it.
- * 1; 0 and a null table when an outline cannot be had. The table may hold fewer glyphs than the text has bytes. */
+ * 1; 0 and a null table when an outline cannot be had. The table may hold fewer glyphs than the text has bytes; a lead
+ * byte at the very end has none. */
 int GlyphTableBuild(HDC hdc, const char *text, int32_t slant, uint8_t charSet, GLYPHTABLE **table);
 
 /* The contours of all glyphs as one chain, the pen moving downward when vertical is not 0, else to the right. *path

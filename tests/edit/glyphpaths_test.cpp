@@ -241,6 +241,17 @@ TEST(GlyphPaths, BlanksAloneHaveNoPath)
     GlyphTableFree(nullptr);
 }
 
+TEST(GlyphPaths, ContourMayFillItsBlockExactly)
+{
+    CURVE lines = {1, {}};
+    for (int i = 0; i < 98; i++) lines.points.push_back({i * one, one});
+    lines.points.push_back({0, 0});
+    PATHREC *path = Paths({{Contour({0, 0}, {lines}), 0, 0, 0}});
+    ASSERT_EQ(path->nodeCount, 100u);
+    ExpectNode(path, 99, 3, 0, 0);
+    ZrPathDeletePtr(path, 0);
+}
+
 TEST(GlyphPaths, LongContourGrowsItsRecord)
 {
     CURVE lines = {1, {}};
