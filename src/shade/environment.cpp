@@ -64,8 +64,8 @@ void BumpRowsOf(const WRAPSTATE *st, int32_t row, SHADEROW *current, SHADEROW *b
     const int32_t last = st->bump.height - 1;
     const int32_t currentRow = std::max(row, 1);
     const int32_t beforeRow = row == 1 ? 1 : std::max(row - 1, 0);
-    *current = RowOf(st->wrap->bumpMap, st->bump, std::min(currentRow, last));
-    *before = RowOf(st->wrap->bumpMap, st->bump, std::min(beforeRow, last));
+    *current = RowOf(st->wrap->bumpMap, st->bump, std::min(currentRow, last), 1);
+    *before = RowOf(st->wrap->bumpMap, st->bump, std::min(beforeRow, last), 1);
 }
 
 /* The normal at a corner; x and y as the profile leaves them. m is the flat interior's coverage there. */
@@ -103,8 +103,8 @@ void CornerNormal(const WRAPSTATE *st, int32_t col, int32_t row, int m, double *
 CORNER CornerAt(const WRAPSTATE *st, int32_t col, int32_t row)
 {
     const WRAP *wrap = st->wrap;
-    const OFFSETPAIR offset = OffsetAt(RowOf(wrap->normalMap, st->normals, row), col, wrap->floats);
-    const int m = st->flatOn ? ByteAt(RowOf(wrap->flatMask, st->flat, row), col) : 0;
+    const OFFSETPAIR offset = OffsetAt(RowOf(wrap->normalMap, st->normals, row, 8), col, wrap->floats);
+    const int m = st->flatOn ? ByteAt(RowOf(wrap->flatMask, st->flat, row, 1), col) : 0;
     double x = offset.x1;
     double y = offset.y1;
     double normal[3] = {0, 0, 1};
@@ -230,8 +230,8 @@ void WrapRows(WRAPSTATE *st)
         std::swap(st->above, st->below);
         if (row == 0) std::fill(st->above, st->above + width, CORNER{0, 0, 0});
         std::fill(st->below, st->below + width, CORNER{0, 0, 0});
-        const SHADEROW mask = RowOf(wrap->mask, st->mask, row);
-        const SHADEROW flat = RowOf(wrap->flatMask, st->flat, row);
+        const SHADEROW mask = RowOf(wrap->mask, st->mask, row, 1);
+        const SHADEROW flat = RowOf(wrap->flatMask, st->flat, row, 1);
         uint8_t *pixels = BufRow(wrap->target, st->target, row);
         for (int32_t col = 0; col + 1 < width; col++) {
             if (ByteAt(mask, col) == 0 && !(st->flatOn && ByteAt(flat, col) != 0)) continue;

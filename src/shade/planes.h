@@ -18,9 +18,10 @@ struct SHADEROW {
     int32_t count;
 };
 
-inline SHADEROW RowOf(uint8_t *buf, const BUFINFO &info, int32_t y)
+/* A buffer whose pixels are smaller than the bytes asked for has none of them. */
+inline SHADEROW RowOf(uint8_t *buf, const BUFINFO &info, int32_t y, size_t pixelSize)
 {
-    if (y < 0 || y >= info.height) return {nullptr, 0};
+    if (y < 0 || y >= info.height || info.pixelSize < pixelSize) return {nullptr, 0};
     return {BufRow(buf, info, y), info.width};
 }
 

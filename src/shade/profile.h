@@ -25,6 +25,11 @@ struct PROFILEENTRY {
     double height; /* of the surface, pixels; negative when inside out */
 };
 
+inline int ProfileIsKnown(int32_t profile)
+{
+    return profile == 0 || profile == 1 || (profile >= 100 && profile <= 104);
+}
+
 /* Entry i stands for the distance i x width / 4096 from the rim: 0 to 4095 span the bevel, the rest lies beyond it. */
 constexpr int profileEntries = 6192;
 constexpr double profileSteps = 4096.0;

@@ -87,9 +87,10 @@ enum LIGHTPLACE {
     PLACE_SEAM_SECOND, /* second of a seam in the first pass */
 };
 
+/* The byte of a colour of at most 255. Lights set below zero can darken a pixel beyond black. */
 uint8_t Written(int64_t value)
 {
-    return gammaMap[static_cast<uint8_t>(value)];
+    return gammaMap[std::max<int64_t>(value, 0)];
 }
 
 double SpotTimes(const SHADESTATE *st, int i, double value)
@@ -179,12 +180,17 @@ template <MODEL model> LIT LightSum(const SHADESTATE *st, const double *normal, 
 /* The light on the level surface. Without bump the mirrored view comes from the z of the last offset's normal,
  * whichever that was, deliberately. With one light a highlight below the least counts as 0 and is added all the same.
  */
-template <MODEL model> LIT LevelLight(const SHADESTATE *st)
+template <MODEL model> LIT LevelLight(SHADESTATE *st)
 {
     LIT lit = {};
-    double level[3] = {-st->gx, -st->gy, 1.0};
-    VecNormalize(level);
-    const double z = st->normal[2];
+    double *level = st->normal;
+    if (st->bumpOn) {
+        level[0] = -st->gx;
+        level[1] = -st->gy;
+        level[2] = 1.0;
+        VecNormalize(level);
+    }
+    const double z = level[2];
     for (int i = 0; i < st->job->lightCount; i++) {
         const double *direction = SHADELIGHTS.lightDir[i];
         const double D = st->bumpOn ? Vec3Dot(level, direction) : direction[2];
@@ -341,10 +347,11 @@ template <MODEL model> void ShadeBevel(SHADESTATE *st, const PIXELROWS &rows, ui
     const uint32_t distance = DistanceBitsAt(rows.distance, st->col);
     OFFSETPAIR offset = OffsetAt(rows.normals, st->col, job->floatNormals);
     const int outside = DistanceIsNegative(distance);
-    if (!outside && job->floatNormals && DistanceIsZero(distance) && offset.x1 == 0 && offset.y1 == 0) return;
-
     memcpy(st->base, pixel, 3);
     AmbientStart<model>(st, rows.tint);
+    /* A plane of floats has pixels without a surface. */
+    if (!outside && job->floatNormals && DistanceIsZero(distance) && offset.x1 == 0 && offset.y1 == 0) return;
+
     int twoPass = 0;
     double mix = 0;
     if (outside) { /* reversed and shrunk to a tenth */
@@ -415,9 +422,8 @@ template <MODEL model> void ShadeFlat(SHADESTATE *st, const PIXELROWS &rows, uin
     int64_t acc[3];
     memcpy(acc, st->ambient, sizeof acc);
     AddLit(st, lit, acc);
-    int a = m;
-    if (job->specularToAlpha && lit.hasSpec)
-        a = static_cast<int>(std::min<int64_t>(int64_t{TruncInt(lit.strength * 255.0)} + m, 255));
+    int64_t a = m;
+    if (job->specularToAlpha && lit.hasSpec) a = std::min<int64_t>(int64_t{TruncInt(lit.strength * 255.0)} + m, 255);
     int mask = maskPixel ? *maskPixel : 0;
     if (mask != 255) {
         mask = static_cast<uint8_t>(a + (mask * (255 - a)) / 255);
@@ -501,7 +507,7 @@ template <MODEL model> void StateStart(const SHADEJOB *job, SHADESTATE *st)
     st->normal[2] = 1;
     for (int &channel : st->lastColor) channel = 999; /* no pixel has it */
     st->gx = st->gy = 0;
-    st->cacheable = !job->floatNormals && !st->bumpOn && !job->tintMap;
+    st->cacheable = !job->floatNormals && !st->bumpOn && !job->tintMap && ProfileIsKnown(job->form.profile);
     for (LITCACHE &entry : st->cache) entry.key = 0;
     for (int i = 0; i < job->lightCount; i++) {
         memcpy(SHADELIGHTS.lightDir[i], job->direction[i], sizeof SHADELIGHTS.lightDir[i]);
@@ -521,14 +527,14 @@ template <MODEL model> void ShadeRows(const SHADEJOB *job)
     SHADESTATE st;
     StateStart<model>(job, &st);
     for (st.row = 0; st.row < st.image.height; st.row++) {
-        const PIXELROWS rows = {RowOf(job->image, st.image, st.row),
-                                RowOf(job->distanceMap, st.distance, st.row),
-                                RowOf(job->normalMap, st.normals, st.row),
-                                RowOf(job->mask, st.mask, st.row),
-                                RowOf(job->flatMask, st.flat, st.row),
-                                RowOf(job->bumpMap, st.bump, st.row),
-                                RowOf(job->bumpMap, st.bump, std::max(st.row - 1, 0)),
-                                RowOf(job->tintMap, st.tint, st.row)};
+        const PIXELROWS rows = {RowOf(job->image, st.image, st.row, 3),
+                                RowOf(job->distanceMap, st.distance, st.row, 4),
+                                RowOf(job->normalMap, st.normals, st.row, 8),
+                                RowOf(job->mask, st.mask, st.row, 1),
+                                RowOf(job->flatMask, st.flat, st.row, 1),
+                                RowOf(job->bumpMap, st.bump, st.row, 1),
+                                RowOf(job->bumpMap, st.bump, std::max(st.row - 1, 0), 1),
+                                RowOf(job->tintMap, st.tint, st.row, 3)};
         ShadeRow<model>(&st, rows);
     }
 }

@@ -67,10 +67,10 @@ ZRPATHAPI int32_t ZrPathTransparentMask(PATHBUF mask, int32_t facePercent, int32
     const BUFINFO bumpInfo = BufInfo(bumpMap);
     double normal[3] = {0, 0, 1};
     for (int32_t y = 0; y < maskInfo.height; y++) {
-        const SHADEROW row = RowOf(mask, maskInfo, y);
-        const SHADEROW normals = RowOf(normalMap, normalInfo, y);
-        const SHADEROW bump = RowOf(bumpMap, bumpInfo, y);
-        const SHADEROW above = RowOf(bumpMap, bumpInfo, std::max(y - 1, 0));
+        const SHADEROW row = RowOf(mask, maskInfo, y, 1);
+        const SHADEROW normals = RowOf(normalMap, normalInfo, y, 8);
+        const SHADEROW bump = RowOf(bumpMap, bumpInfo, y, 1);
+        const SHADEROW above = RowOf(bumpMap, bumpInfo, std::max(y - 1, 0), 1);
         for (int32_t x = 0; x < row.count; x++) {
             if (row.pixels[x] == 0) continue;
             OFFSETPAIR offset = OffsetAt(normals, x, floatNormals);

@@ -1,5 +1,5 @@
-/* shader_test.cpp - the four shaders: behaviours by hand, and random surfaces against the plain form. */
-#include "shade/plain_shader.h"
+/* shader_test.cpp - the four shaders: behaviours by hand. */
+#include "shade/shader.h"
 
 #include "frame/frame.h"
 #include "support/shapes.h"
@@ -8,11 +8,8 @@
 #include <cmath>
 #include <cstring>
 #include <gtest/gtest.h>
-#include <limits>
-#include <random>
 
 using namespace zr32;
-using zr32test::PlainShade;
 
 namespace {
 
@@ -438,124 +435,6 @@ TEST(Shader, ASpotOfSeveralLightsHangsOnASphere)
             EXPECT_NEAR(std::min(wanted, 255), middle, 1);
         }
     }
-}
-
-/* ---- random surfaces against the plain form ---- */
-
-class Random {
-  public:
-    explicit Random(uint32_t seed) : engine(seed) {}
-    int Range(int least, int most)
-    {
-        return least + int(engine() % uint32_t(most - least + 1));
-    }
-    double Unit()
-    {
-        return double(engine() % 20001) / 10000.0 - 1.0;
-    }
-
-  private:
-    std::mt19937 engine;
-};
-
-void FillRandom(Random &random, SCENE &s, bool floats)
-{
-    static const float odd[] = {0.0F,
-                                -0.0F,
-                                1.0F,
-                                -2.0F,
-                                300.0F,
-                                0.0001F,
-                                std::numeric_limits<float>::quiet_NaN(),
-                                std::numeric_limits<float>::infinity(),
-                                -std::numeric_limits<float>::infinity()};
-    const int flatColours = random.Range(1, 3);
-    for (int i = 0; i < s.w * s.h; i++) {
-        for (int c = 0; c < 3; c++) s.image[i * 3 + c] = uint8_t(random.Range(0, flatColours) * 60 + c);
-        for (int c = 0; c < 3; c++) s.tintMap[i * 3 + c] = uint8_t(random.Range(0, 255));
-        s.mask[i] = uint8_t(random.Range(0, 4) ? random.Range(0, 255) : 0);
-        s.flat[i] = uint8_t(random.Range(0, 2) ? 0 : random.Range(0, 1) ? 255 : random.Range(0, 255));
-        s.bump[i] = uint8_t(random.Range(0, 255));
-        s.SetDistance(i % s.w, i / s.w, odd[random.Range(0, 8)]);
-        if (floats) {
-            const float x = random.Range(0, 9) ? float(random.Unit() * 12) : odd[random.Range(0, 8)];
-            s.SetFloats(i % s.w, i / s.w, {x, float(random.Unit() * 12)});
-        } else {
-            const SURFVEC16 v = {int16_t(random.Range(-2600, 2600)),
-                                 int16_t(random.Range(-2600, 2600) / random.Range(1, 40)),
-                                 int16_t(random.Range(0, 1) * random.Range(-2600, 2600)),
-                                 int16_t(random.Range(0, 1) * random.Range(-2600, 2600))};
-            s.SetVector(i % s.w, i / s.w, v);
-        }
-    }
-}
-
-TEST(Shader, RandomSurfacesAreTheSameAsThePlainForm)
-{
-    static const int32_t profiles[] = {0, 1, 100, 101, 102, 103, 104, 55};
-    static const double widths[] = {8, 10, 1.5, 0.5, 0, -3, 1e9, std::numeric_limits<double>::quiet_NaN(), 2.25, 6};
-    for (uint32_t seed = 1; seed <= 600; seed++) {
-        Random random(seed);
-        KnownState();
-        if (random.Range(0, 1)) ShadingGammaToMap();
-        for (LIGHTFACTORS *f : {&SHADELIGHTS.factors, &METALLIGHTS.factors}) {
-            f->ambient = random.Range(0, 150) * 0.01;
-            for (int i = 0; i < 4; i++) {
-                f->diffuse[i] = random.Range(0, 150) * 0.01;
-                f->specular[i] = random.Range(-5, 250) * 0.01;
-                f->shininess[i] = random.Range(1, 60);
-            }
-        }
-        for (auto &colour : SHADELIGHTS.lightColor)
-            for (uint8_t &channel : colour) channel = uint8_t(random.Range(0, 255));
-        const MODEL model = MODEL(random.Range(0, 3));
-        const bool multi = model == MULTI_PHONG || model == MULTI_METALLIC;
-        const bool floats = random.Range(0, 2) == 0;
-        SCENE fast(random.Range(1, 24), random.Range(1, 16));
-        FillRandom(random, fast, floats);
-        SHADEJOB job = {};
-        job.form =
-            SurfaceForm(widths[random.Range(0, 3) ? random.Range(0, 1) : random.Range(0, 9)],
-                        profiles[random.Range(0, 7)], random.Range(0, 1), random.Range(0, 2) * 13, random.Range(0, 2));
-        job.floatNormals = floats;
-        job.lightCount = multi ? random.Range(0, 4) : 1;
-        for (int i = 0; i < 4; i++) {
-            job.spotOn[i] = random.Range(0, 2) == 0;
-            job.spotX[i] = random.Range(-10, 110);
-            job.spotY[i] = random.Range(-10, 110);
-            for (double &value : job.direction[i]) value = random.Unit();
-        }
-        job.fixedAmbient = random.Range(0, 1);
-        job.specularToAlpha = random.Range(0, 1);
-        job.bumpPercent = random.Range(0, 1) * random.Range(0, 200);
-        job.tint = uint32_t(random.Range(0, 0xFFFFFF));
-        SCENE plain(fast.w, fast.h);
-        const size_t pixels = size_t(fast.w) * size_t(fast.h);
-        memcpy(plain.image, fast.image, pixels * 3);
-        memcpy(plain.mask, fast.mask, pixels);
-        job.normalMap = fast.normals;
-        job.distanceMap = fast.distance;
-        job.flatMask = random.Range(0, 1) ? fast.flat : nullptr;
-        job.bumpMap = random.Range(0, 1) ? fast.bump : nullptr;
-        job.tintMap = random.Range(0, 2) ? nullptr : fast.tintMap;
-        /* Planes of another size than the image now and then. */
-        PATHBUF small = ZrPathBufAlloc(0x40, std::max(1, fast.w - 2), std::max(1, fast.h - 1));
-        if (random.Range(0, 5) == 0) job.normalMap = small;
-
-        SHADEJOB yard = job;
-        job.image = fast.image;
-        job.mask = fast.mask;
-        yard.image = plain.image;
-        yard.mask = plain.mask;
-        METALLIGHTS.metalBase[0] = 9;
-        ASSERT_EQ(1, ShadeImage(model, &job));
-        METALLIGHTS.metalBase[0] = 9;
-        PlainShade(model, yard);
-        ASSERT_EQ(0, memcmp(fast.image, plain.image, pixels * 3)) << "seed " << seed;
-        ASSERT_EQ(0, memcmp(fast.mask, plain.mask, pixels)) << "seed " << seed;
-        ZrPathBufFree(small);
-    }
-    KnownState();
 }
 
 } // namespace
