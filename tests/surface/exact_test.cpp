@@ -449,21 +449,58 @@ TEST(Exact, MeasuredNodesLoseTheirClosingAndSelectedBits)
 
 TEST(Exact, RowWithoutACrossingComparesXWithY)
 {
-    /* A tip at (9.6, 10.6) when placed: row 10 has no crossing, and the pixel at x = y just right of the tip counts as
-     * inside, since y + 0.0001 stands for the next edge and the nearest point lies to its left. */
-    PATHREC *path = MakePath({{6, 14.1, 20.1}, {2, 17, 30}, {2, 10, 30}, {3, 14.1, 20.1}});
-    MADE made = Fast(path, SETTINGS{});
-    EXPECT_LT(made.Dist(9, 5), 0.0F);
+    /* The tip lies at (5.7, 6.4) when placed: row 6 has no crossing. At x = y the place that stands for the next edge
+     * is 0.0001 away, and the nearest point lies to the left: an inside pixel, the only one of its row. */
+    PATHREC *path = MakePath({{6, 10.2, 20.9}, {2, 30, 40}, {2, 10, 40}, {3, 10.2, 20.9}});
+    SETTINGS s;
+    s.noMitre = 1;
+    MADE made = Fast(path, s);
+    for (int x = 0; x < made.planes.width; x++) {
+        if (x == 6) {
+            EXPECT_NEAR(0.25, made.Dist(x, 6), 1e-3);
+        } else {
+            EXPECT_LE(made.Dist(x, 6), 0.0F) << x;
+        }
+    }
+    Free(&made);
+    s.form = FORM_DIST;
+    made = Fast(path, s);
+    EXPECT_NEAR(-0.25, made.Dist(6, 6), 1e-3) << "without vectors there is no late inside";
     Free(&made);
     ZrPathDeletePtr(path, 0);
+}
 
-    path = MakePath({{6, 14.1, 15.1}, {2, 17, 30}, {2, 10, 30}, {3, 14.1, 15.1}});
-    path->nodes[0].x = path->nodes[3].x = DbToFix(10 + 4.1); /* placed at 9.6 */
-    path->nodes[0].y = path->nodes[3].y = DbToFix(10 + 5.1); /* the origin's top is 10, placed at 5.6 */
-    made = Fast(path, SETTINGS{});
-    EXPECT_LT(made.Dist(9, 5), 0.0F) << "the tip lies to the right";
-    EXPECT_LT(made.Dist(10, 5), 0.0F) << "x is not y";
-    Free(&made);
+TEST(Exact, MoreCandidatesThanAnyListWasMadeForChangeNothing)
+{
+    std::vector<TESTNODE> comb = {{6, 0, 0}, {2, 20, 0}};
+    for (int tooth = 0; tooth < 300; tooth++) {
+        comb.push_back({2, 20 - tooth / 16.0, 12.3});
+        comb.push_back({2, 20 - (tooth + 0.5) / 16, 9.1 + tooth % 7});
+    }
+    comb.push_back({2, 0, 12});
+    comb.push_back({3, 0, 0});
+    PATHREC *path = MakePath(comb);
+    double lastEdge[4] = {0, 0, 0, 0};
+    SETTINGS s;
+    for (s.evenOdd = 0; s.evenOdd < 2; s.evenOdd++) ExpectSame(path, s, lastEdge, "comb");
+    ZrPathDeletePtr(path, 0);
+}
+
+TEST(Exact, AnyZoomAndWidthIsSafe)
+{
+    PATHREC *path = JoinPaths({MakeBox(-3, -3, 10, 10), MakeCircle(4, 4, 5)});
+    for (const FIXED zoom : {0, 1, -1, 0x10000, -0x10000, 0x7000000, INT32_MAX, INT32_MIN}) {
+        for (double width : {-1.0, 4.0, 1e300, -HUGE_VAL, static_cast<double>(NAN)}) {
+            PATHBUF dist = reinterpret_cast<PATHBUF>(1);
+            PATHBUF offset = reinterpret_cast<PATHBUF>(1);
+            const int32_t made = ZrPathVMap(path, &dist, &offset, 0, 0, 0, 0, 0, &width, 0, 0, nullptr, nullptr, zoom);
+            if (made) {
+                ZrPathBufFree(dist);
+                ZrPathBufFree(offset);
+            }
+            if (zoom == 0x7000000) break; /* a large map once */
+        }
+    }
     ZrPathDeletePtr(path, 0);
 }
 
