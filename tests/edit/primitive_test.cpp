@@ -347,3 +347,15 @@ TEST(Primitive, EveryFailedAllocationAddsNothing)
             }
     ZrPathDeletePtr(prototype, 0);
 }
+
+TEST(Primitive, WithoutMemoryAddingReturnsOneAndAddsNothing)
+{
+    DOCUMENT doc;
+    doc.Select({doc.Add(MakeBox(0, 0, 10, 10))});
+    const RECT drag = {10, 10, 60, 40};
+    FaultSet(ALLOC_PATHHEAP, 1);
+    EXPECT_EQ(ZrPathAddPrimitive(nullptr, ZRPRIM_ELLIPSE, nullptr, doc.table, doc.view, 0, 0, &drag), 1);
+    FaultSet(ALLOC_PATHHEAP, 0);
+    EXPECT_EQ(doc.Records().size(), 1u);
+    EXPECT_EQ(BrokenInvariant(doc), "");
+}
