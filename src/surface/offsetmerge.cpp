@@ -3,11 +3,6 @@
 
 namespace zr32 {
 
-static int FirstIsZero(const SURFVEC16 *pixel)
-{
-    return pixel->x1 == 0 && pixel->y1 == 0;
-}
-
 static int SecondIsZero(const SURFVEC16 *pixel)
 {
     return pixel->x2 == 0 && pixel->y2 == 0;
@@ -22,14 +17,8 @@ static int NearSecondOfCurve(const POINTDB &v, const SURFVEC16 *pixel)
     return !SecondIsZero(pixel) && VectorsNear(second, v, 0.5);
 }
 
-void MergeRayVector(const POINTDB &v, double lengthSq, int fromCurve, SURFVEC16 *pixel)
+void MergeOtherEdge(const POINTDB &first, const POINTDB &v, double lengthSq, int fromCurve, SURFVEC16 *pixel)
 {
-    if (FirstIsZero(pixel)) {
-        SetFirstVector(v, pixel);
-        return;
-    }
-    const POINTDB first = FirstVector(pixel);
-    if (VectorsNear(first, v, fromCurve ? 0.5 : 0.1)) return;
     if (fromCurve && NearSecondOfCurve(v, pixel)) return;
     const double firstSq = Dot(first, first);
     if (firstSq < lengthSq) {

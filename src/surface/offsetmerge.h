@@ -51,9 +51,25 @@ inline void MergeDistance(double distance, float *pixel)
     if (*pixel == 0 || static_cast<double>(*pixel) > distance) *pixel = static_cast<float>(distance);
 }
 
+inline int FirstIsZero(const SURFVEC16 *pixel)
+{
+    return pixel->x1 == 0 && pixel->y1 == 0;
+}
+
+/* What MergeRayVector does where another edge, or none yet as near, holds the first vector. */
+void MergeOtherEdge(const POINTDB &first, const POINTDB &v, double lengthSq, int fromCurve, SURFVEC16 *pixel);
+
 /* A vector from a ray of a line, or of a curve: neighbouring samples of a curve lead to close but unequal feet, so that
  * curves are more tolerant about what is the same edge, and ask the second vector too. */
-void MergeRayVector(const POINTDB &v, double lengthSq, int fromCurve, SURFVEC16 *pixel);
+inline void MergeRayVector(const POINTDB &v, double lengthSq, int fromCurve, SURFVEC16 *pixel)
+{
+    if (FirstIsZero(pixel)) {
+        SetFirstVector(v, pixel);
+        return;
+    }
+    const POINTDB first = FirstVector(pixel);
+    if (!VectorsNear(first, v, fromCurve ? 0.5 : 0.1)) MergeOtherEdge(first, v, lengthSq, fromCurve, pixel);
+}
 
 /* A vector from a mitre's fan, at a distance before the end of its ray. Near that end, on the ridge, the mitre wins
  * even where it is a little longer than what is there. */

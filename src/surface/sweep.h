@@ -53,6 +53,7 @@ struct SWEEP {
     PLACEMENT place; /* of nodes, on the mask */
     double width;    /* rays end at these: of the planes, or of the mask when it lies elsewhere */
     double height;
+    int elsewhere;   /* 1: the mask lies elsewhere than the planes, or has another size */
     POINTDB shift;   /* from a position on the mask to one on the planes, to be taken off */
     double reach;    /* length of a ray: the surface's width and a pixel more */
     double rayStart; /* 0, or -1 for rays that begin a pixel outside */

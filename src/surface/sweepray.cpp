@@ -32,14 +32,6 @@ static int RimIsCovered(const SWEEP *sweep, double t, int32_t px, int32_t py)
     return byte > (t == -1 ? 0x80 : 0xf0);
 }
 
-static void WriteInterior(const SWEEP *sweep, const POINTDB &q, int32_t px, int32_t py, size_t index)
-{
-    const POINTDB v = OffsetToFoot(q, px, py, sweep->p, sweep->n);
-    const double lengthSq = Dot(v, v);
-    if (sweep->planes.dist) MergeDistance(lengthSq, sweep->planes.dist + index);
-    if (sweep->planes.vectors) MergeRayVector(v, lengthSq, sweep->onCurve, sweep->planes.vectors + index);
-}
-
 double RayEntry(const POINTDB &origin, const POINTDB &direction, double from, double step, double width, double height)
 {
     const double at[2] = {origin.x, origin.y};
@@ -69,33 +61,65 @@ static double RayLast(double from, double step, double reach)
     return last;
 }
 
-static void CastRay(SWEEP *sweep)
+/* The pixel a ray has last been in: it is not visited twice in a row. */
+struct RAYPIXEL {
+    int32_t x;
+    int32_t y;
+};
+
+static void CastRim(const SWEEP *sweep, double reach, RAYPIXEL *last)
 {
-    const double reach = sweep->reach < farthestRay ? sweep->reach : farthestRay;
-    const double step = sweep->rayStep;
-    const double from = sweep->rayStart;
-    if (!(from <= sweep->reach)) return;
-    int32_t lastX = noPixel;
-    int32_t lastY = noPixel;
-    for (double t = RayEntry(sweep->p, sweep->n, from, step, sweep->width, sweep->height); t <= reach; t += step) {
+    for (double t = sweep->rayStart; t <= 0 && t <= reach; t += sweep->rayStep) {
         const POINTDB q = sweep->p + sweep->n * t;
-        if (!RayOnRaster(q, sweep->width, sweep->height)) {
-            if (RayHasLeft(q, sweep->n, sweep->width, sweep->height)) break;
+        if (!RayOnRaster(q, sweep->width, sweep->height)) continue;
+        const RAYPIXEL pixel = {static_cast<int32_t>(q.x), static_cast<int32_t>(q.y)};
+        if (pixel.x == last->x && pixel.y == last->y) continue;
+        *last = pixel;
+        size_t index;
+        if (SweepPlanePixel(sweep, q, &index) && !RimIsCovered(sweep, t, pixel.x, pixel.y)) WriteRim(sweep, index);
+    }
+}
+
+/* What the inner loop needs lies in locals, out of reach of the stores into the planes. */
+static void CastInterior(const SWEEP *sweep, double reach, RAYPIXEL last)
+{
+    const POINTDB p = sweep->p;
+    const POINTDB n = sweep->n;
+    const double step = sweep->rayStep;
+    const double width = sweep->width;
+    const double height = sweep->height;
+    const int onCurve = sweep->onCurve;
+    float *const dist = sweep->planes.dist;
+    SURFVEC16 *const vectors = sweep->planes.vectors;
+    const size_t stride = static_cast<size_t>(sweep->planes.width);
+    const int elsewhere = sweep->elsewhere;
+    for (double t = RayEntry(p, n, step, step, width, height); t <= reach; t += step) {
+        const POINTDB q = p + n * t;
+        if (!RayOnRaster(q, width, height)) {
+            if (RayHasLeft(q, n, width, height)) return;
             continue;
         }
         const int32_t px = static_cast<int32_t>(q.x);
         const int32_t py = static_cast<int32_t>(q.y);
-        if (px == lastX && py == lastY) continue;
-        lastX = px;
-        lastY = py;
-        size_t index;
-        if (!SweepPlanePixel(sweep, q, &index)) continue;
-        if (t > 0)
-            WriteInterior(sweep, q, px, py, index);
-        else if (!RimIsCovered(sweep, t, px, py))
-            WriteRim(sweep, index);
+        if (px == last.x && py == last.y) continue;
+        last = {px, py};
+        size_t index = static_cast<size_t>(py) * stride + static_cast<size_t>(px);
+        if (elsewhere && !SweepPlanePixel(sweep, q, &index)) continue;
+        const POINTDB v = OffsetToFoot(q, px, py, p, n);
+        const double lengthSq = Dot(v, v);
+        if (dist) MergeDistance(lengthSq, dist + index);
+        if (vectors) MergeRayVector(v, lengthSq, onCurve, vectors + index);
     }
-    if (sweep->onCurve) sweep->lastEnd = sweep->p + sweep->n * RayLast(from, step, reach);
+}
+
+static void CastRay(SWEEP *sweep)
+{
+    const double reach = sweep->reach < farthestRay ? sweep->reach : farthestRay;
+    RAYPIXEL last = {noPixel, noPixel};
+    if (!(sweep->rayStart <= sweep->reach)) return;
+    CastRim(sweep, reach, &last);
+    CastInterior(sweep, reach, last);
+    if (sweep->onCurve) sweep->lastEnd = sweep->p + sweep->n * RayLast(sweep->rayStart, sweep->rayStep, reach);
 }
 
 static constexpr SWEEPRULES edgeRules = {CastRay, 1, 1, 0.0, 1, abortInSweep, 0};
@@ -118,6 +142,7 @@ int VMapEnvelopeSweep(PATHREC *lattice, double width, const SURFACEMAP *map, PAT
     SweepInit(&envelopeRules, map, mask, width, &sweep);
     sweep.rayStart = -1;
     sweep.place = PlaceOnMask(map->zoom, maskLeft, maskTop);
+    sweep.elsewhere = 1;
     sweep.shift = {static_cast<double>(map->originX) - maskLeft, static_cast<double>(map->originY) - maskTop};
     sweep.width = sweep.maskInfo.width;
     sweep.height = sweep.maskInfo.height;
