@@ -48,7 +48,11 @@ inline int VectorsNear(const POINTDB &a, const POINTDB &b, double tolerance)
 /* Keeps the least squared distance that reached a pixel. */
 inline void MergeDistance(double distance, float *pixel)
 {
-    if (*pixel == 0 || static_cast<double>(*pixel) > distance) *pixel = static_cast<float>(distance);
+    /* Without a branch: which of two rays comes nearer is as good as random. */
+    const float old = *pixel;
+    const int taken = static_cast<int>(old == 0) | static_cast<int>(static_cast<double>(old) > distance);
+    const float either[2] = {old, static_cast<float>(distance)};
+    *pixel = either[taken];
 }
 
 inline int FirstIsZero(const SURFVEC16 *pixel)
