@@ -59,7 +59,7 @@ inline SHAPE GlyphShape(double size)
     return shape;
 }
 
-/* A thin star: long spikes to both sides. */
+/* A thin star of ten spikes; with twice as many FreeType gives up, its cells overflow. */
 inline SHAPE StarShape(double width)
 {
     const double height = width / 20;

@@ -135,7 +135,7 @@ void RowCoverFree(ROWCOVER *cover)
 void BandToMask8(EDGETABLE *table, PATHBUF buf, int evenOdd, int hard, ROWCOVER cover)
 {
     const BUFINFO info = BufInfo(buf);
-    const double scale = 256 / table->rowsPerPixel;
+    const double scale = 256 * table->rowHeight;
     size_t row = 0;
     for (int32_t y = table->top; y < table->bottom; y++) {
         for (int32_t sample = 0; sample < table->rowsPerPixel; sample++, row++) {
