@@ -100,6 +100,7 @@ struct SAMPLE {
     POINT3D normal;
     uint32_t colour;
     int lit;
+    int atRim; /* within a pixel of the rim of the bevel, which has an edge of its own */
     MATERIAL *material;
 };
 
@@ -125,9 +126,10 @@ void ABufPutSolid(ABUF *abuf, int32_t x, int32_t y, SAMPLE *sample);
 
 /* The shape of a partly covered pixel, positions in the plane. */
 enum EDGEFORM {
-    EDGE_ACROSS,  /* half plane behind the line through point across the unit vector to */
-    EDGE_ALONG,   /* half plane on point's side of the line from from to to */
-    EDGE_TRIANGLE /* triangle of from, point and to */
+    EDGE_ACROSS,   /* half plane behind the line through point across the unit vector to */
+    EDGE_ALONG,    /* half plane on point's side of the line from from to to */
+    EDGE_TRIANGLE, /* triangle of from, point and to */
+    EDGE_CORNER    /* as EDGE_ALONG, but only on boundInside's side of the line through from along bound as well */
 };
 
 struct EDGESHAPE {
@@ -135,9 +137,12 @@ struct EDGESHAPE {
     POINTDB from;
     POINTDB to;
     POINTDB point;
+    POINTDB bound = {0, 0}; /* a corner's second line */
+    POINTDB boundInside = {0, 0};
 };
 
-/* A sample that covers part of pixel (x, y). */
+/* A sample that covers part of pixel (x, y). The first partial edge of a surface stands, but a corner, which knows two
+ * edges, replaces it. */
 void ABufPutEdge(ABUF *abuf, int32_t x, int32_t y, SAMPLE *sample, const EDGESHAPE *shape);
 
 /* 1 when the pixel holds a partial edge of the sample's surface. */

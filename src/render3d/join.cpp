@@ -30,8 +30,8 @@ uint32_t MixColour(uint32_t a, uint32_t b, double t)
     return mix;
 }
 
-/* Walks a rim on to its next point. Points closer than gather are left for later, so that a smooth line is walked in its
- * fine steps and misses no pixel that it only clips. */
+/* Walks a rim on to its next point. Points closer than gather are left for later, so that a smooth line is walked in
+ * its fine steps and misses no pixel that it only clips. */
 void RimTo(RENDER *render, RIMWALK *rim, SAMPLE *to, const POINTDB &inside, double gather)
 {
     if (rim->open && Apart(&rim->from, to) <= gather) return;
@@ -66,10 +66,23 @@ void FillStrips(RENDER *render, const STRIP *a, const STRIP *b)
 
 } // namespace
 
+/* The edge where the surface turns from the eye: the pixel is covered against the direction of the normal. */
+void PutSilhouette(RENDER *render, SAMPLE *sample)
+{
+    const POINTDB out = {sample->normal.x, sample->normal.y};
+    const EDGESHAPE shape = {EDGE_ACROSS, {0, 0}, out * (1 / Length(out)), sample->at};
+    ABufPutEdge(&render->abuf, PixelIndex(sample->at.x), PixelIndex(sample->at.y), sample, &shape);
+}
+
 void PutSample(RENDER *render, SAMPLE *sample)
 {
+    if (std::fabs(sample->facing) < facingNear && !sample->atRim) {
+        PutSilhouette(render, sample);
+        return;
+    }
     const int32_t x = PixelIndex(sample->at.x);
     const int32_t y = PixelIndex(sample->at.y);
+    if (render->hold && x == render->holdX && y == render->holdY) return;
     if (!PixelHasEdge(&render->abuf, x, y, sample)) ABufPutSolid(&render->abuf, x, y, sample);
 }
 
@@ -94,9 +107,29 @@ void FillBetween(RENDER *render, const SAMPLE *a, const SAMPLE *b)
         if (!(sample.at.x >= 0 && sample.at.x < width && sample.at.y >= 0 && sample.at.y < height)) continue;
         sample.z = from.z + (to.z - from.z) * t;
         sample.facing = from.facing + (to.facing - from.facing) * t;
+        sample.normal = {from.normal.x + (to.normal.x - from.normal.x) * t,
+                         from.normal.y + (to.normal.y - from.normal.y) * t,
+                         from.normal.z + (to.normal.z - from.normal.z) * t};
+        sample.atRim = from.atRim || to.atRim;
         sample.colour = MixColour(SampleColour(&from), SampleColour(&to), t);
         sample.lit = 1;
         PutSample(render, &sample);
+    }
+}
+
+void SideEdge(RENDER *render, int ofLast)
+{
+    if (render->joined < 2) return;
+    STRIP *strip = &render->strips[ofLast ? render->current : render->current ^ 1];
+    const STRIP *other = &render->strips[ofLast ? render->current ^ 1 : render->current];
+    uint32_t k = 0;
+    for (uint32_t i = 0; i + 1 < strip->count; i++) {
+        SAMPLE *from = &strip->points[i].sample;
+        if (PixelIndex(from->at.x) == PixelIndex(strip->rim.at.x) &&
+            PixelIndex(from->at.y) == PixelIndex(strip->rim.at.y))
+            continue; /* the rim has the corner there */
+        while (k + 1 < other->count && other->points[k].share < strip->points[i].share) k++;
+        ABufWalkLine(&render->abuf, from, &strip->points[i + 1].sample, other->points[k].sample.at);
     }
 }
 
@@ -110,14 +143,14 @@ void JoinBreak(RENDER *render)
     render->joined = 0;
 }
 
-void SectionDraw(RENDER *render, const SECTION *section)
+int SectionDraw(RENDER *render, const SECTION *section)
 {
     STRIP *before = &render->strips[render->current];
     STRIP *strip = &render->strips[render->current ^ 1];
     StripBuild(render, section, strip);
     if (strip->count == 0) {
         JoinBreak(render);
-        return;
+        return 0;
     }
     render->current ^= 1;
     StripDraw(render, strip);
@@ -127,7 +160,8 @@ void SectionDraw(RENDER *render, const SECTION *section)
     if (render->joined) FillStrips(render, before, strip);
     RimTo(render, &render->outer, &strip->rim, inside, 1.0);
     RimTo(render, &render->inner, &strip->points[strip->count - 1].sample, inside, 0.0);
-    render->joined = 1;
+    render->joined++;
+    return 1;
 }
 
 } // namespace zr32

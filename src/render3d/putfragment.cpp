@@ -224,13 +224,17 @@ uint32_t CoverOfShape(const EDGESHAPE *shape, const POINTDB &origin)
     const POINTDB point = shape->point - origin;
     switch (shape->form) {
     case EDGE_ACROSS: return CoverHalfPlane(point, {-shape->to.y, shape->to.x}, point - shape->to);
-    case EDGE_ALONG: {
+    case EDGE_ALONG:
+    case EDGE_CORNER: {
         /* The direction counts as a unit vector: from a shorter one the reference could not get out of the line's own
          * sub-pixel. */
         const POINTDB d = shape->to - shape->from;
         const POINTDB along = d * (1 / Length(d));
         const POINTDB across = {-along.y, along.x};
-        return CoverHalfPlane(from, along, Dot(point - from, across) < 0 ? from - across : from + across);
+        const uint32_t side =
+            CoverHalfPlane(from, along, Dot(point - from, across) < 0 ? from - across : from + across);
+        return shape->form == EDGE_ALONG ? side
+                                         : side & CoverHalfPlane(from, shape->bound, shape->boundInside - origin);
     }
     case EDGE_TRIANGLE: break;
     }
@@ -269,8 +273,11 @@ void ABufPutEdge(ABUF *abuf, int32_t x, int32_t y, SAMPLE *sample, const EDGESHA
     if (!pixel || !std::isfinite(sample->z)) return;
     const int32_t edge = EdgeOf(abuf, sample);
     ABUFFRAG *prior = PriorEdge(abuf, pixel, edge);
-    if (prior && prior->coverage != coverFull) return;
+    if (prior && prior->coverage != coverFull && shape->form != EDGE_CORNER) return;
 
+    /* The edge knows better than a whole sample of the same surface, even where it leaves nothing of it. */
+    const ABUFPIXEL before = *pixel;
+    if (!PixelIsList(pixel) && pixel->edgeTag == EdgeTag(edge)) *pixel = {};
     const uint32_t cover = CoverOfShape(shape, {static_cast<double>(x), static_cast<double>(y)});
     if (cover == 0) return;
     const uint32_t kind = shape->form == EDGE_TRIANGLE ? FRAG_TRIANGLE : FRAG_HALFPLANE;
@@ -279,8 +286,6 @@ void ABufPutEdge(ABUF *abuf, int32_t x, int32_t y, SAMPLE *sample, const EDGESHA
         FragmentFill(prior, fresh);
         return;
     }
-    const ABUFPIXEL before = *pixel;
-    if (!PixelIsList(pixel) && pixel->edgeTag == EdgeTag(edge)) *pixel = {};
     InsertFragment(abuf, pixel, fresh);
     if (PixelIsEmpty(pixel)) *pixel = before; /* out of memory */
 }

@@ -66,6 +66,12 @@ WAYS WaysAt(const RENDER *render, const PIXELAT &pixel)
     return {{ways->x1 * unit, ways->y1 * unit}, {ways->x2 * unit, ways->y2 * unit}};
 }
 
+/* 1 when there is a second way, about as long as the first. */
+int EqualWays(const WAYS &ways)
+{
+    return (ways.v2.x != 0 || ways.v2.y != 0) && std::fabs(Length(ways.v1) - Length(ways.v2)) <= 0.7;
+}
+
 POINTDB Negative(const POINTDB &a)
 {
     return {-a.x, -a.y};
@@ -100,7 +106,7 @@ int FindRidge(const RIDGESTEP *s, const POINTDB &inward, double tolerance, RIDGE
     const POINTDB &p2 = s->before.v2;
     const double l1 = Length(v1);
     const double l2 = Length(v2);
-    const int isDouble = (v2.x != 0 || v2.y != 0) && std::fabs(l1 - l2) <= 0.7 && !SameDirection(v1, v2, tolerance);
+    const int isDouble = EqualWays(s->now) && !SameDirection(v1, v2, tolerance);
     pair->stepBack = 0;
     if (isDouble) {
         const POINTDB outward = Negative(inward);
@@ -206,7 +212,12 @@ void MitreReach(const RENDER *render, const POINTDB &s, const RIDGE *ridge, doub
     double u = 1.0;
     if (std::fabs(h.x) >= 1e-5 || std::fabs(h.y) >= 1e-5) u = Dot(h, s - a) / Dot(h, h);
     const POINTDB from = a + b;
-    const POINTDB inner = from + (foot + *reach - from) * u;
+    const POINTDB way = foot + *reach - from;
+    /* Where feet lie close together u can be anything; the ridge is followed no farther than this beyond its ends. */
+    constexpr double beyond = 1.5;
+    const double slack = beyond / Length(way);
+    u = std::clamp(u, -slack, 1 + slack);
+    const POINTDB inner = from + way * u;
     if (foot.x != mitre->foot.x || foot.y != mitre->foot.y) {
         mitre->halfFoot = LerpPoint(mitre->foot, foot, 0.5);
         mitre->halfReach = LerpPoint(mitre->reach, *reach, 0.5);
@@ -230,6 +241,22 @@ double NearReach(const RENDER *render, const POINTDB &segmentStart, const POINTD
     const double la = Length(at - segmentStart);
     const double lb = Length(at + inward * t - segmentStart);
     return la + lb > 0 ? t * la / (la + lb) : 0;
+}
+
+/* From a corner that bends away from the inside the bevel runs as far as its edge, drawn on beyond the corner, is what
+ * lies nearest. slope is the unit vector away from that edge. */
+double FanReach(const RENDER *render, const POINTDB &at, const POINTDB &inward, const POINTDB &slope, double longest)
+{
+    constexpr double stride = 0.2;
+    constexpr double nearer = 0.5; /* how much nearer another edge must be to count */
+    double t = 2;                  /* up to there the corner itself is what lies nearest */
+    for (; t < longest; t += stride) {
+        const PIXELAT pixel = PixelAt(at + inward * t);
+        if (MaskPixel(render, pixel) != maskInside) break;
+        const POINTDB centre = POINTDB{pixel.x + 0.5, pixel.y + 0.5};
+        if (Dot(centre - at, slope) > Length(WaysAt(render, pixel).v1) + nearer) break;
+    }
+    return std::min(t, longest);
 }
 
 } // namespace
@@ -275,9 +302,9 @@ int InwardSide(const RENDER *render, const POINTDB &at, const POINTDB &normal, P
 }
 
 void SectionAt(const RENDER *render, const POINTDB &segmentStart, const POINTDB &at, const POINTDB &tangent,
-               double tolerance, MITRE *mitre, SECTION *section)
+               double tolerance, int nearBend, MITRE *mitre, SECTION *section)
 {
-    *section = {at, {0, 0}, {0, 0}};
+    *section = {at, {0, 0}, {0, 0}, {0, 0}};
     const POINTDB s = at + render->maskOrigin;
     const int first = !mitre->begun;
     if (first) *mitre = {s, {0, 0}, s, {0, 0}, 1};
@@ -290,8 +317,10 @@ void SectionAt(const RENDER *render, const POINTDB &segmentStart, const POINTDB 
 
     double r;
     RIDGE ridge = {};
-    const int searched = render->surface && isClear;
-    if (searched) {
+    const int searched = render->surface && isClear && !nearBend;
+    if (render->surface && nearBend) {
+        r = FanReach(render, at, section->inward, section->inward, render->width);
+    } else if (searched) {
         RidgeSearch(render, at, section->inward, tolerance, &ridge);
         r = ridge.r;
     } else if (render->surface) {
@@ -302,11 +331,25 @@ void SectionAt(const RENDER *render, const POINTDB &segmentStart, const POINTDB 
     if (!(r <= render->width)) r = render->width;
     if (first && r < 1) r = 0;
     section->reach = section->inward * r;
-    if (first || (searched && r == render->width))
+    if (first || nearBend || (searched && r == render->width))
         *mitre = {s, section->reach, s, section->reach, 1};
     else if (searched)
         MitreReach(render, s, &ridge, &r, &section->reach, mitre);
     if (!std::isfinite(r)) section->reach = {0, 0};
+}
+
+void FanSection(const RENDER *render, const POINTDB &at, const POINTDB &inward, const POINTDB &edge, SECTION *section)
+{
+    POINTDB slope = {-edge.y, edge.x};
+    double lean = Dot(slope, inward);
+    if (lean < 0) {
+        slope = Negative(slope);
+        lean = -lean;
+    }
+    /* The bevel's width counts straight away from the edge. */
+    const double longest = lean > 0 ? render->width / lean : 0;
+    const double r = render->surface ? FanReach(render, at, inward, slope, longest) : 2;
+    *section = {at, inward, inward * std::max(0.0, std::min(r, longest)), slope};
 }
 
 } // namespace zr32

@@ -31,40 +31,52 @@ struct SEGMENTWALK {
     POINTDB start;
     double tolerance;
     MITRE mitre;
+    CORNERS corners;
 };
+
+/* The mask cannot be clear within two pixels of a bend. */
+int NearBend(const JOINT *joint, const POINTDB &at, int side)
+{
+    constexpr double near = 4;
+    return JointBendsAway(joint, side) && Length(at - joint->at) < near;
+}
 
 void DrawAt(RENDER *render, SEGMENTWALK *walk, const POINTDB &at, const POINTDB &tangent)
 {
+    CORNERS *corners = &walk->corners;
+    const int nearBend = NearBend(&corners->start, at, corners->side) || NearBend(&corners->end, at, corners->side);
     SECTION section;
-    SectionAt(render, walk->start, at, tangent, walk->tolerance, &walk->mitre, &section);
-    if (section.reach.x == 0 && section.reach.y == 0)
+    SectionAt(render, walk->start, at, tangent, walk->tolerance, nearBend, &walk->mitre, &section);
+    if (section.reach.x == 0 && section.reach.y == 0) {
         JoinBreak(render);
-    else
-        SectionDraw(render, &section);
+        return;
+    }
+    if (!SectionDraw(render, &section)) return;
+    corners->lastRim = render->strips[render->current].rim;
+    if (!corners->drawn) corners->firstRim = corners->lastRim;
+    corners->drawn++;
+    if (corners->drawn == 2 && render->joined == 2 && JointIsSmooth(&corners->start)) SideEdge(render, 0);
 }
 
-/* 1 when a step between two points of the picture is longer than the limit on an axis of the output. */
+/* The longer axis of a step between two points of the picture, in output pixels. */
 double ProjectedStep(const RENDER *render, const POINTDB &a, const POINTDB &b)
 {
     const POINTDB d = ProjectFlat(render, b) - ProjectFlat(render, a);
     return std::max(std::fabs(d.x), std::fabs(d.y));
 }
 
-void WalkLine(RENDER *render, const SEGMENT *segment)
+void WalkLine(RENDER *render, const SEGMENT *segment, SEGMENTWALK *walk)
 {
     const POINTDB from = segment->p[0];
     const POINTDB to = segment->p[1];
-    if (from.x == to.x && from.y == to.y) return;
-    render->abuf.edgeId++;
-    SEGMENTWALK walk = {from, toleranceOfLine, {}};
     LINESTEP step;
     LineStart(from, to, &step);
     while (step.h > 1 && (ProjectedStep(render, from, from + step.d) > 1 || ProjectedStep(render, to - step.d, to) > 1))
         LineHalve(&step);
     if (step.h > 1) LineHalve(&step); /* within half a pixel */
     for (int64_t t = 0; t < parameterEnd; t += step.h)
-        DrawAt(render, &walk, from + step.d * static_cast<double>(t / step.h), to - from);
-    DrawAt(render, &walk, to, to - from);
+        DrawAt(render, walk, from + step.d * static_cast<double>(t / step.h), to - from);
+    DrawAt(render, walk, to, to - from);
 }
 
 double CurveStepOnOutput(const RENDER *render, const CURVESTEP *step)
@@ -72,10 +84,8 @@ double CurveStepOnOutput(const RENDER *render, const CURVESTEP *step)
     return ProjectedStep(render, step->pos * subPixelOfStep, (step->pos + step->d) * subPixelOfStep);
 }
 
-void WalkCurve(RENDER *render, const SEGMENT *segment)
+void WalkCurve(RENDER *render, const SEGMENT *segment, SEGMENTWALK *walk)
 {
-    render->abuf.edgeId++;
-    SEGMENTWALK walk = {segment->p[0], toleranceOfCurve, {}};
     CURVESTEP step;
     CurveStart(segment->p, &step);
     POINTDB tangent = {0, 0};
@@ -86,22 +96,139 @@ void WalkCurve(RENDER *render, const SEGMENT *segment)
             CurveHalve(&step);
         if (step.d.x != 0 || step.d.y != 0) {
             tangent = step.d;
-            DrawAt(render, &walk, step.pos * subPixelOfStep, tangent);
+            DrawAt(render, walk, step.pos * subPixelOfStep, tangent);
         }
         CurveAdvance(&step);
     }
-    if (tangent.x != 0 || tangent.y != 0) DrawAt(render, &walk, segment->p[3], tangent);
+    if (tangent.x != 0 || tangent.y != 0) DrawAt(render, walk, segment->p[3], tangent);
+}
+
+/* The unit vector from a to the first of the points that differs from it; zero when none does. */
+POINTDB Direction(const POINTDB &a, const POINTDB *points, int count, int step)
+{
+    for (int i = 0; i < count; i++, points += step) {
+        const POINTDB d = *points - a;
+        if (d.x != 0 || d.y != 0) return d * (1 / Length(d));
+    }
+    return {0, 0};
+}
+
+int SegmentIsDrawn(const SEGMENT *segment)
+{
+    if (segment->kind == PATHNODE_CURVE) return 1;
+    /* A line without a length is passed over. */
+    return segment->kind == PATHNODE_LINE && (segment->p[0].x != segment->p[1].x || segment->p[0].y != segment->p[1].y);
+}
+
+POINTDB StartTangent(const SEGMENT *segment)
+{
+    return Direction(segment->p[0], &segment->p[1], segment->kind == PATHNODE_CURVE ? 3 : 1, 1);
+}
+
+POINTDB EndPoint(const SEGMENT *segment)
+{
+    return segment->p[segment->kind == PATHNODE_CURVE ? 3 : 1];
+}
+
+POINTDB EndTangent(const SEGMENT *segment)
+{
+    const int last = segment->kind == PATHNODE_CURVE ? 3 : 1;
+    return Direction(segment->p[last], &segment->p[last - 1], last, -1) * -1;
+}
+
+/* The next segment of the run that is drawn. 0 at the run's end. */
+int NextOfRun(SEGWALK *walk, SEGMENT *segment)
+{
+    while (SegWalkNext(walk, segment)) {
+        if (segment->kind == PATHNODE_START) return 0;
+        if (SegmentIsDrawn(segment)) return 1;
+    }
+    return 0;
+}
+
+/* How a run closes: its first segment's start and its last one's end, where they meet. */
+void ClosingJoint(SEGWALK walk, JOINT *joint)
+{
+    SEGMENT segment;
+    *joint = {};
+    if (!NextOfRun(&walk, &segment)) return;
+    joint->at = segment.p[0];
+    joint->after = StartTangent(&segment);
+    SEGMENT last = segment;
+    while (NextOfRun(&walk, &segment)) last = segment;
+    joint->before = EndTangent(&last);
+    const POINTDB end = EndPoint(&last);
+    joint->joined = end.x == joint->at.x && end.y == joint->at.y;
+}
+
+/* A point of a segment and its direction there. */
+POINTDB PointOfSegment(const SEGMENT *segment, double t, POINTDB *tangent)
+{
+    const POINTDB *p = segment->p;
+    if (segment->kind == PATHNODE_LINE) {
+        *tangent = p[1] - p[0];
+        return LerpPoint(p[0], p[1], t);
+    }
+    const POINTDB a = LerpPoint(LerpPoint(p[0], p[1], t), LerpPoint(p[1], p[2], t), t);
+    const POINTDB b = LerpPoint(LerpPoint(p[1], p[2], t), LerpPoint(p[2], p[3], t), t);
+    *tangent = b - a;
+    return LerpPoint(a, b, t);
+}
+
+void RenderSegment(RENDER *render, const SEGMENT *segment, const JOINT *start, const JOINT *end)
+{
+    render->abuf.edgeId++;
+    SEGMENTWALK walk = {};
+    walk.start = segment->p[0];
+    walk.corners.start = *start;
+    walk.corners.end = *end;
+    for (const double t : {0.5, 0.25, 0.75}) {
+        if (walk.corners.side != 0) break;
+        POINTDB tangent;
+        const POINTDB at = PointOfSegment(segment, t, &tangent);
+        if (tangent.x != 0 || tangent.y != 0) walk.corners.side = SegmentSide(render, at, tangent);
+    }
+    FanDraw(render, start, walk.corners.side, 1);
+    if (segment->kind == PATHNODE_LINE) {
+        walk.tolerance = toleranceOfLine;
+        WalkLine(render, segment, &walk);
+    } else {
+        walk.tolerance = toleranceOfCurve;
+        WalkCurve(render, segment, &walk);
+    }
+    FanDraw(render, end, walk.corners.side, 0);
+    if (JointIsSmooth(end) || JointBendsAway(end, walk.corners.side)) SideEdge(render, 1);
+    JoinBreak(render);
+    CornersDraw(render, &walk.corners);
 }
 
 void RenderRecord(RENDER *render, const PATHREC *record)
 {
     SEGWALK walk;
     SEGMENT segment;
-    for (SegWalkStart(record, PlaceInSpace(render->maskOrigin.x, render->maskOrigin.y), &walk);
-         SegWalkNext(&walk, &segment);) {
-        JoinBreak(render);
-        if (segment.kind == PATHNODE_LINE) WalkLine(render, &segment);
-        if (segment.kind == PATHNODE_CURVE) WalkCurve(render, &segment);
+    JOINT closing = {}; /* of the run that is being walked */
+    JOINT start = {};
+    int atStart = 1;
+    SegWalkStart(record, PlaceInSpace(render->maskOrigin.x, render->maskOrigin.y), &walk);
+    for (SEGWALK before = walk; SegWalkNext(&walk, &segment); before = walk) {
+        if (segment.kind == PATHNODE_START) atStart = 1;
+        if (!SegmentIsDrawn(&segment)) continue;
+        if (atStart) {
+            ClosingJoint(before, &closing);
+            start = closing;
+            atStart = 0;
+        }
+        JOINT end = {EndPoint(&segment), EndTangent(&segment), {0, 0}, 0};
+        SEGWALK ahead = walk;
+        SEGMENT next;
+        if (NextOfRun(&ahead, &next)) {
+            end.after = StartTangent(&next);
+            end.joined = 1;
+        } else if (closing.joined) {
+            end = closing;
+        }
+        RenderSegment(render, &segment, &start, &end);
+        start = end;
     }
 }
 
@@ -129,11 +256,11 @@ int RenderBand(RENDER *render, const PATHREC **cursor, int32_t top, int32_t bott
 
 extern "C" {
 
-int32_t ZrPathABufRender(PATHREC *path, const POINTFXMAT3D *camera, PATHBUF colourBuf, PATHBUF alphaBuf, intptr_t,
-                         const struct tagPOINT *outOrigin, const struct tagPOINT *maskOrigin, const uint32_t *colour,
-                         PATHBUF mask, PATHBUF surface, intptr_t, intptr_t, intptr_t, intptr_t, intptr_t, intptr_t,
-                         intptr_t, int32_t glass, intptr_t, int32_t width, int32_t scale, int32_t profile,
-                         int32_t invert, const double *light, int32_t)
+ZRPATHAPI int32_t ZrPathABufRender(PATHREC *path, const POINTFXMAT3D *camera, PATHBUF colourBuf, PATHBUF alphaBuf,
+                                   intptr_t, const struct tagPOINT *outOrigin, const struct tagPOINT *maskOrigin,
+                                   const uint32_t *colour, PATHBUF mask, PATHBUF surface, intptr_t, intptr_t, intptr_t,
+                                   intptr_t, intptr_t, intptr_t, intptr_t, int32_t glass, intptr_t, int32_t width,
+                                   int32_t scale, int32_t profile, int32_t invert, const double *light, int32_t)
 {
     if (!path || !camera || !colourBuf || !alphaBuf || !mask || !SurfaceHeapInit()) return 0;
     ProfileTableBuild(profile, width, scale, invert);

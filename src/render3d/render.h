@@ -24,6 +24,8 @@ struct STRIPPOINT {
 struct RUN {
     POINTDB at;     /* picture coordinates */
     POINTDB inward; /* unit vector from the rim to the inner end */
+    POINTDB slope;  /* unit vector straight away from the edge whose distance counts */
+    double lean;    /* distance from that edge per pixel of the run */
     double stride;  /* pixels a step */
     double index;   /* profile entries a step */
     double steps;
@@ -61,6 +63,25 @@ struct SECTION {
     POINTDB at; /* mask coordinates */
     POINTDB inward;
     POINTDB reach; /* from at to the bevel's inner end; zero: no strip here */
+    POINTDB slope; /* unit vector away from the edge whose distance counts; zero: the reach itself */
+};
+
+/* A point where a segment begins or ends: unit tangents of what arrives and what leaves. */
+struct JOINT {
+    POINTDB at; /* mask coordinates */
+    POINTDB before;
+    POINTDB after;
+    int joined; /* two segments meet here */
+};
+
+/* Both ends of a segment, and what of it was drawn between them. */
+struct CORNERS {
+    JOINT start;
+    JOINT end;
+    int side;  /* on which side of its direction the inside lies: 1 towards (-y, x), -1, or 0 when not known */
+    int drawn; /* how many strips it has */
+    SAMPLE firstRim;
+    SAMPLE lastRim;
 };
 
 struct RENDER {
@@ -76,13 +97,17 @@ struct RENDER {
     double width;
     STRIP strips[2]; /* the last and the one before */
     int current;     /* which of them is the last */
-    int joined;      /* the other one belongs to the same run of the segment */
+    int64_t joined;  /* how many strips in a row have been joined, the last one included */
     RIMWALK outer;
     RIMWALK inner;
+    int hold; /* whole samples leave the pixel (holdX, holdY) to the corner that lies in it */
+    int32_t holdX;
+    int32_t holdY;
 };
 
 /* Below this cosine a sample counts as near the silhouette, where the surface turns from the eye. Narrow bevels, which
  * turn within few samples, raise it for good; it never falls. */
+constexpr double facingNear = 0.06; /* below this it counts as the turn itself */
 void FacingWideBy(int32_t width);
 double FacingWide();
 
@@ -97,11 +122,18 @@ double RidgeDistance(const POINTDB &a, const POINTDB &b, double la, double lb);
 /* Which side of the outline at at is inside, and whether that is plain to see. 0: neither is. */
 int InwardSide(const RENDER *render, const POINTDB &at, const POINTDB &normal, POINTDB *inward, int *isClear);
 
-/* The cross-section at a point of a segment with the given tangent. mitre carries over from sample to sample. */
+/* The cross-section at a point of a segment with the given tangent. nearBend: the outline bends away from the inside
+ * close by, so that the mask cannot be clear although the inside is. mitre carries over from sample to sample. */
 void SectionAt(const RENDER *render, const POINTDB &segmentStart, const POINTDB &at, const POINTDB &tangent,
-               double tolerance, MITRE *mitre, SECTION *section);
+               double tolerance, int nearBend, MITRE *mitre, SECTION *section);
+
+/* The cross-section at a corner in a given direction, on the face of the edge that runs along the unit vector edge. */
+void FanSection(const RENDER *render, const POINTDB &at, const POINTDB &inward, const POINTDB &edge, SECTION *section);
 
 /* ---- strip.cpp ---- */
+
+/* A point of the rim in output pixels of the band; 0 when it cannot be seen. */
+int RimProject(const RENDER *render, const POINTDB &at, POINTDB *out);
 
 /* A point of the picture plane, z 0, in output pixels of the band. */
 POINTDB ProjectFlat(const RENDER *render, const POINTDB &at);
@@ -116,8 +148,12 @@ void StripsFree(RENDER *render);
 
 /* ---- join.cpp ---- */
 
-/* Draws the section's strip and closes what lies between it and the one before it. */
-void SectionDraw(RENDER *render, const SECTION *section);
+/* Draws the section's strip and closes what lies between it and the one before it. 0 when it has no strip. */
+int SectionDraw(RENDER *render, const SECTION *section);
+
+/* The border of the last strip, or of the one before it, towards the neighbouring segment: it covers on the side of the
+ * other strip. */
+void SideEdge(RENDER *render, int ofLast);
 
 /* Ends the rims where they are; nothing before this is joined to what comes. */
 void JoinBreak(RENDER *render);
@@ -125,8 +161,29 @@ void JoinBreak(RENDER *render);
 /* Whole pixels from one sample up to the next, where they are more than a step apart. */
 void FillBetween(RENDER *render, const SAMPLE *a, const SAMPLE *b);
 
-/* A whole-pixel sample where the surface has no edge at that pixel. */
+/* The edge where the surface turns from the eye: the pixel is covered against the direction of the normal. */
+void PutSilhouette(RENDER *render, SAMPLE *sample);
+
+/* A sample of the face: an edge where the surface turns from the eye, else the whole pixel unless it has an edge. */
 void PutSample(RENDER *render, SAMPLE *sample);
+
+/* ---- corner.cpp ---- */
+
+/* On which side of its direction a segment has the inside: 1 towards (-y, x), -1, or 0 when the mask does not tell. */
+int SegmentSide(const RENDER *render, const POINTDB &at, const POINTDB &tangent);
+
+/* 1 when the outline bends away from the inside at the joint. */
+int JointBendsAway(const JOINT *joint, int side);
+
+/* 1 when one segment goes on as the other ends, with no corner to see. */
+int JointIsSmooth(const JOINT *joint);
+
+/* The pixels of a segment's two ends. */
+void CornersDraw(RENDER *render, const CORNERS *corners);
+
+/* A segment's part of the wedge behind a joint that bends away from the inside: sections from the bisector to the
+ * upright one where the segment begins, or from there to the bisector where it ends. */
+void FanDraw(RENDER *render, const JOINT *joint, int side, int atStart);
 
 } // namespace zr32
 

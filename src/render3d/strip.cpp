@@ -11,17 +11,20 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace zr32 {
 
 namespace {
 
 double facingWide = 0.12;
-constexpr double facingNear = 0.06;
-
 constexpr double longestStep = 0.5; /* pixels of the longer axis */
-constexpr double shortStep = 0.25;  /* below this the step may double */
+constexpr double shortStep = 0.5;   /* of the longest: below this the step may double */
 constexpr double leastPart = 1e-4;  /* of a step */
+constexpr double unseenSteps = 64;  /* how few steps a section may take where nothing of it can be seen */
+
+constexpr double noNumber = std::numeric_limits<double>::quiet_NaN();
+constexpr POINTDB nowhere = {noNumber, noNumber};
 
 double ProjectedLength(const RENDER *render, const POINTDB &a, const POINTDB &b)
 {
@@ -56,7 +59,7 @@ int SampleProject(const RENDER *render, POINT3D *p, POINTDB *out)
     return std::isfinite(out->x) && std::isfinite(out->y) && std::isfinite(p->z);
 }
 
-/* The sample i steps from the rim, not yet lit. 0 when it cannot be seen; it then lies nowhere. */
+/* The sample i steps from the rim, not yet lit. 0 when it cannot be seen; it then lies at no place that compares. */
 int SampleAt(RENDER *render, const RUN *run, double i, double part, SAMPLE *sample)
 {
     const POINTDB offset = run->inward * (run->stride * i);
@@ -64,10 +67,11 @@ int SampleAt(RENDER *render, const RUN *run, double i, double part, SAMPLE *samp
     POINT3D p = {at.x, at.y, HeightAt(run, i, part)};
     *sample = {};
     sample->material = &render->material;
-    sample->at = {-1, -1};
+    sample->at = nowhere;
     if (!SampleProject(render, &p, &sample->at)) return 0;
 
-    POINT3D n = {-offset.x, -offset.y, PROFILETBL[ProfileIndex(i * run->index)].rise};
+    const POINTDB across = run->slope * (run->stride * i * run->lean);
+    POINT3D n = {-across.x, -across.y, PROFILETBL[ProfileIndex(i * run->index)].rise};
     VecNormalize(&n.x);
     RotatePoint3D(&n, &render->space.matrix);
     sample->normal = n;
@@ -76,9 +80,23 @@ int SampleAt(RENDER *render, const RUN *run, double i, double part, SAMPLE *samp
     return 1;
 }
 
+/* 1 when the surface turns from the eye between two samples that are both far from the turn. */
+int SkipsTurn(const SAMPLE *a, const SAMPLE *b)
+{
+    return (a->facing > facingNear && b->facing < -facingNear) || (a->facing < -facingNear && b->facing > facingNear);
+}
+
 double Apart(const SAMPLE *a, const SAMPLE *b)
 {
     return std::max(std::fabs(a->at.x - b->at.x), std::fabs(a->at.y - b->at.y));
+}
+
+/* How far outside the plane a sample lies, pixels of the longer axis; 0 inside. */
+double BesidePlane(const RENDER *render, const SAMPLE *sample)
+{
+    const double x = std::max(-sample->at.x, sample->at.x - render->abuf.info.width);
+    const double y = std::max(-sample->at.y, sample->at.y - render->abuf.info.height);
+    return std::max(0.0, std::max(x, y));
 }
 
 void RunStart(const RENDER *render, const SECTION *section, RUN *run)
@@ -90,11 +108,17 @@ void RunStart(const RENDER *render, const SECTION *section, RUN *run)
         std::trunc(ProjectedLength(render, section->at, middle)) + std::trunc(ProjectedLength(render, middle, inner));
     /* Thin ends of the bevel, at corners and in fine strokes, would open up without a sample; a length that is no
      * number gives one too. */
-    run->steps = n >= 1 ? std::min(n, static_cast<double>(maxStripPoints)) : 1;
+    run->steps = n >= 1 && std::isfinite(n) ? std::min(n, static_cast<double>(maxStripPoints)) : 1;
     run->at = section->at + render->maskOrigin;
     run->inward = section->reach * (1 / r);
+    run->slope = run->inward;
+    run->lean = 1;
+    if (section->slope.x != 0 || section->slope.y != 0) {
+        run->slope = section->slope;
+        run->lean = Dot(run->inward, run->slope);
+    }
     run->stride = r / run->steps;
-    run->index = run->stride / render->width * profileSteps;
+    run->index = run->stride / render->width * profileSteps * run->lean;
 }
 
 /* Room for one more point. 0 when the strip is full or memory short. */
@@ -119,14 +143,6 @@ int InPlane(const RENDER *render, const SAMPLE *sample)
 int SamePixel(const SAMPLE *a, const SAMPLE *b)
 {
     return PixelIndex(a->at.x) == PixelIndex(b->at.x) && PixelIndex(a->at.y) == PixelIndex(b->at.y);
-}
-
-/* An edge where the surface turns from the eye: the pixel is covered against the direction of the normal. */
-void PutSilhouette(RENDER *render, SAMPLE *sample)
-{
-    const POINTDB out = {sample->normal.x, sample->normal.y};
-    const EDGESHAPE shape = {EDGE_ACROSS, {0, 0}, out * (1 / Length(out)), sample->at};
-    ABufPutEdge(&render->abuf, PixelIndex(sample->at.x), PixelIndex(sample->at.y), sample, &shape);
 }
 
 /* Goes back along the strip in tenths of a step, within the pixel, to where the surface turns. 0 when it does not turn
@@ -167,30 +183,49 @@ POINTDB ProjectFlat(const RENDER *render, const POINTDB &at)
     return SpaceProject(&render->space, picture.x, picture.y, 0) - render->outOrigin;
 }
 
+int RimProject(const RENDER *render, const POINTDB &at, POINTDB *out)
+{
+    const POINTDB picture = at + render->maskOrigin;
+    POINT3D p = {picture.x, picture.y, PROFILETBL[0].height};
+    return SampleProject(render, &p, out);
+}
+
 void StripBuild(RENDER *render, const SECTION *section, STRIP *strip)
 {
     strip->count = 0;
     RUN &run = strip->run;
     RunStart(render, section, &run);
+    const double longestPart = std::max(1.0, run.steps / unseenSteps);
     int seen = SampleAt(render, &run, 0, 1, &strip->rim);
     double part = 1;
     for (double i = 0; i < run.steps && StripReserve(strip);) {
         STRIPPOINT *point = &strip->points[strip->count];
         const SAMPLE *last = strip->count > 0 ? &point[-1].sample : &strip->rim;
-        double next = std::min(i + part, run.steps);
-        int visible = SampleAt(render, &run, next, part, &point->sample);
-        double jump = seen && visible ? Apart(last, &point->sample) : 0;
-        while (jump > longestStep && part > leastPart) {
-            part = std::max(leastPart, part * std::min(0.9, longestStep / jump));
+        double next;
+        double jump;
+        double limit;
+        int visible;
+        for (;;) {
             next = std::min(i + part, run.steps);
             visible = SampleAt(render, &run, next, part, &point->sample);
-            jump = seen && visible ? Apart(last, &point->sample) : 0;
+            jump = 0;
+            limit = longestStep;
+            if (!seen || !visible) break;
+            jump = Apart(last, &point->sample);
+            /* Beside the plane the samples need not be dense until they come back to it. */
+            limit = std::max(limit, 0.5 * std::min(BesidePlane(render, last), BesidePlane(render, &point->sample)));
+            if (part <= leastPart || (jump <= limit && !SkipsTurn(last, &point->sample))) break;
+            part = std::max(leastPart, part * (jump > limit ? std::min(0.9, limit / jump) : 0.5));
         }
         if (!(next > i)) return; /* a step too small to count */
+        const int dense = seen && visible && limit == longestStep;
+        if (jump < limit * shortStep) part = std::min(dense ? 1.0 : longestPart, part * 2);
+        if (dense) part = std::min(part, 1.0);
         i = next;
-        if (jump < shortStep) part = std::min(1.0, part * 2);
-        point->i = i;
+        /* The rim must not be cut by the turn of a profile that begins upright. */
+        point->sample.atRim = Apart(&point->sample, &strip->rim) <= 1;
         point->share = i / run.steps;
+        point->i = i;
         seen = visible;
         strip->count++;
     }
@@ -205,14 +240,9 @@ void StripDraw(RENDER *render, STRIP *strip)
         const STRIPPOINT *before = k > 0 ? point - 1 : nullptr;
         const int turned = before && (before->sample.facing > 0) != (sample->facing > 0);
         const double steep = std::fabs(sample->facing);
-        /* The rim has an edge of its own, which must not be cut by the turn of a profile that begins upright. */
-        if ((turned || steep < facingWide) && Apart(sample, &strip->rim) > 1) {
+        if ((turned || steep < facingWide) && !sample->atRim) {
             SAMPLE turn;
-            if (steep < facingNear) {
-                PutSilhouette(render, sample);
-                continue;
-            }
-            if (steep < facingWide &&
+            if (steep >= facingNear && steep < facingWide &&
                 FindTurn(render, &strip->run, point, point->i - (before ? before->i : 0), &turn)) {
                 *sample = turn;
                 PutSilhouette(render, sample);

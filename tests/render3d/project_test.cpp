@@ -95,7 +95,7 @@ TEST(Project, IdentityWithShiftAtCentreKeepsThePath)
         EXPECT_NEAR(want[i][0], FixToDb(path->nodes[i].x), 2e-5) << i;
         EXPECT_NEAR(want[i][1], FixToDb(path->nodes[i].y), 2e-5) << i;
     }
-    EXPECT_EQ(0x8004, path->nodes[4].type);
+    EXPECT_EQ(0x8004, +path->nodes[4].type);
     ZrPathDeletePtr(path, 0);
 }
 
@@ -122,7 +122,7 @@ TEST(Project, WalksTheJoinChainOfTheTableChainsHead)
     ZrPathTo3D(apart, &t);
     EXPECT_NEAR(101, FixToDb(head->nodes[0].x), 2e-5);
     EXPECT_NEAR(102, FixToDb(joined->nodes[0].x), 2e-5);
-    EXPECT_EQ(DbToFix(3), apart->nodes[0].x);
+    EXPECT_EQ(DbToFix(3), +apart->nodes[0].x);
     EXPECT_EQ(9, apart->primitive);
     ZrPathDeletePtr(head, 0);
 }
@@ -150,11 +150,11 @@ TEST(Project, BadInputIsSafe)
     ZrPathTo3D(nullptr, nullptr);
     PATHREC *path = MakePath({{6, 30000, -30000}, {4, 1, 1}, {4, 2, 2}}); /* a curve cut short */
     ZrPathTo3D(path, nullptr);
-    EXPECT_EQ(DbToFix(30000), path->nodes[0].x);
+    EXPECT_EQ(DbToFix(30000), +path->nodes[0].x);
     POINTFXMAT3D t = Transform(0, 0, 0, 0, 0, 0); /* no eye at all */
     ZrPathTo3D(path, &t);
-    EXPECT_EQ(0, path->nodes[0].x);
-    EXPECT_EQ(DbToFix(1), path->nodes[1].x);
+    EXPECT_EQ(0, +path->nodes[0].x);
+    EXPECT_EQ(DbToFix(1), +path->nodes[1].x);
     ZrPathDeletePtr(path, 0);
 
     path = MakePath({{6, 100, 100}, {2, 200, 100}});

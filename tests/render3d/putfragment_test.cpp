@@ -225,13 +225,29 @@ TEST_F(Put, FirstPartialEdgeOfASurfaceStandsAndAWholeOneIsUpdated)
     EXPECT_EQ(5, updated.z);
 }
 
-TEST_F(Put, EmptyMaskChangesNothing)
+TEST_F(Put, EmptyMaskMakesNoFragment)
 {
-    Solid(&abuf, 1, opaque, 9);
     Edge(&abuf, 1, opaque, 10, {EDGE_ALONG, {0, 0.5}, {0, 1.5}, {-3, 0.5}});
     Edge(&abuf, 1, opaque, 10, {EDGE_ALONG, {0.5, 0.5}, {0.5, 0.5}, {-3, 0.5}});
     Edge(&abuf, 1, opaque, 10, {EDGE_TRIANGLE, {NAN, 0.5}, {0.5, 0.5}, {-3, 0.5}});
-    EXPECT_EQ(3009, Pixel(&abuf).zTag);
+    EXPECT_EQ(0u, Pixel(&abuf).value);
+    /* but a plain pixel of the same surface is emptied, and another surface's stays */
+    Solid(&abuf, 2, opaque, 9);
+    Edge(&abuf, 1, opaque, 10, {EDGE_ALONG, {0, 0.5}, {0, 1.5}, {-3, 0.5}});
+    EXPECT_EQ(opaque, Pixel(&abuf).value);
+    Edge(&abuf, 2, opaque, 10, {EDGE_ALONG, {0, 0.5}, {0, 1.5}, {-3, 0.5}});
+    EXPECT_EQ(0u, Pixel(&abuf).value);
+    EXPECT_EQ(0u, abuf.pool.live);
+}
+
+TEST_F(Put, CornersReplaceTheEdgeThatIsThere)
+{
+    Edge(&abuf, 1, glassy, 4, rightHalf);
+    Edge(&abuf, 1, glassy + 1, 5, {EDGE_CORNER, {0.5, 0.5}, {0.5, 1.5}, {3, 0.5}, {1, 0}, {0.5, 3}});
+    const auto list = ListOf(&abuf, 0, 0);
+    ASSERT_EQ(1u, list.size());
+    EXPECT_EQ(0x0F0F0000u, list[0].coverage);
+    EXPECT_EQ(glassy + 1, list[0].colour);
 }
 
 /* Every row of the merge table; a fragment of another surface stands first so that the pixel is a list. */
