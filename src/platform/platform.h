@@ -14,6 +14,11 @@
 #define STRICT
 #endif
 #include <windows.h>
+/* Macros of those headers that would take words away from the library. */
+#undef near
+#undef far
+#undef small
+#undef PLANES
 #else
 #include "port/zr32port.h"
 #endif
