@@ -20,8 +20,8 @@ BELOW = {
 }
 # Single files of another room that a room may use.
 EXCEPTIONS = {("render3d", "shade/profile.h")}
-# Public headers of a room above that a room's exports are defined by calling.
-PUBLIC = {("store", "display")}
+# Public headers of a room above that a room may use: to call its exports, or for the format of the planes.
+PUBLIC = {("store", "display"), ("shade", "surface"), ("render3d", "surface")}
 ROOM_OF_HEADER = {"frame", "store", "raster", "display", "edit", "surface", "shade", "render3d"}
 
 root = pathlib.Path(__file__).resolve().parent.parent
