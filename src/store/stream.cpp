@@ -130,7 +130,7 @@ struct STREAMCURSOR {
     const uint8_t *stream;
     uint32_t headerSize;
     uint64_t available; /* bytes of the block */
-    uint32_t index;     /* of the next entry */
+    uint64_t entryAt;   /* offset of the next entry */
     uint64_t blobAt;    /* offset of its blob */
     uint32_t number;
     BLOB blob;
@@ -184,7 +184,7 @@ int CursorStart(const void *stream, STREAMCURSOR *cursor)
     if (cursor->available < streamHeadSize) return 0;
     cursor->stream = static_cast<const uint8_t *>(stream);
     cursor->headerSize = Get32(cursor->stream);
-    cursor->index = 0;
+    cursor->entryAt = 8;
     cursor->blobAt = cursor->headerSize;
     return cursor->headerSize >= streamHeadSize && cursor->headerSize <= cursor->available;
 }
@@ -192,14 +192,13 @@ int CursorStart(const void *stream, STREAMCURSOR *cursor)
 /* The next entry. 1; 0 at the terminator; -1 when the entry or its blob does not fit. */
 int CursorNext(STREAMCURSOR *cursor)
 {
-    const uint64_t at = uint64_t{8} + uint64_t{streamEntrySize} * cursor->index;
-    if (at + 8 > cursor->headerSize) return -1;
-    cursor->number = Get32(cursor->stream + at);
+    if (cursor->entryAt + streamEntrySize > cursor->headerSize) return -1;
+    cursor->number = Get32(cursor->stream + cursor->entryAt);
     if (cursor->number == 0) return 0;
-    const uint32_t size = Get32(cursor->stream + at + 4);
+    const uint32_t size = Get32(cursor->stream + cursor->entryAt + 4);
     if (size > cursor->available - cursor->blobAt) return -1;
     if (!BlobRead(cursor->stream + cursor->blobAt, size, &cursor->blob)) return -1;
-    cursor->index++;
+    cursor->entryAt += streamEntrySize;
     cursor->blobAt += size;
     return 1;
 }
@@ -212,11 +211,12 @@ int StreamCheck(const void *stream, uint32_t *count)
     if (!CursorStart(stream, &cursor)) return 0;
     int more;
     int circular = 0;
+    *count = 0;
     while ((more = CursorNext(&cursor)) > 0) {
         if (circular) return 0;
         circular = Get32(cursor.blob.links + 12) == cursor.number || Get32(cursor.blob.links + 20) == cursor.number;
+        ++*count;
     }
-    *count = cursor.index;
     return more == 0;
 }
 
@@ -249,7 +249,7 @@ void LinkByNumber(const CHAIN &chain, const READING *reading, uint32_t i, uint32
 int RecordsMake(const void *stream, const READING *reading)
 {
     STREAMCURSOR cursor;
-    CursorStart(stream, &cursor);
+    if (!CursorStart(stream, &cursor)) return 0;
     for (uint32_t i = 0; CursorNext(&cursor) > 0; i++) {
         reading->records[i] = {RecordFromBlob(&cursor.blob), Get32(cursor.blob.links + 12),
                                Get32(cursor.blob.links + 20)};
@@ -278,7 +278,7 @@ void RecordsLink(const READING *reading)
 PATHREC *ChainFromStream(const void *stream, uint32_t count)
 {
     READING reading = {count, nullptr, nullptr};
-    if (count > SIZE_MAX / sizeof(READRECORD)) return nullptr;
+    if (size_t{count} > SIZE_MAX / sizeof(READRECORD)) return nullptr;
     reading.records = static_cast<READRECORD *>(GlobalBlockAlloc(sizeof(READRECORD) * count));
     reading.sorted = static_cast<NUMBEREDENTRY *>(GlobalBlockAlloc(sizeof(NUMBEREDENTRY) * count));
     PATHREC *head = nullptr;
