@@ -39,7 +39,9 @@ static void VMapFrameHalfWidth(const PATHREC *frame, double *width)
     if (*width > widestBand) *width = widestBand;
 }
 
-/* A frame of nine nodes with the sides of one of five: its long sides as straight curves. Null without memory. */
+/* A frame of nine nodes with the sides of one of five: its long sides as straight curves. The controls of the second
+ * side stand in each other's places: deliberate, the curve stays the same line and is only run through at another pace,
+ * which decides where its samples fall. Null without memory. */
 static PATHREC *VMapBilinearToBicubic(const PATHREC *frame)
 {
     PATHREC *const bicubic = RecordAlloc(bicubicNodes);
@@ -53,8 +55,8 @@ static PATHREC *VMapBilinearToBicubic(const PATHREC *frame)
         const POINTDB nearA = {(2 * a.x + b.x) / 3, (2 * a.y + b.y) / 3};
         const POINTDB nearB = {(a.x + 2 * b.x) / 3, (a.y + 2 * b.y) / 3};
         SetNode(bicubic, first, side == 0 ? PATHNODE_START : PATHNODE_LINE, a);
-        SetNode(bicubic, first + 1, PATHNODE_CURVE, nearA);
-        SetNode(bicubic, first + 2, PATHNODE_CURVE, nearB);
+        SetNode(bicubic, first + 1, PATHNODE_CURVE, side == 0 ? nearA : nearB);
+        SetNode(bicubic, first + 2, PATHNODE_CURVE, side == 0 ? nearB : nearA);
         SetNode(bicubic, first + 3, PATHNODE_CURVE, b);
     }
     SetNode(bicubic, 8, PATHNODE_LINE | PATHNODE_CLOSING, FramePoint(frame, 0));
