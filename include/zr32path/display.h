@@ -2,7 +2,9 @@
  *
  * The display buffer holds one byte a view pixel: how many outlines pass through it, modulo 256. Drawing adds 1 along
  * an outline's pixels and hiding subtracts 1 along the same ones; the paint functions XOR what is not 0 into a bitmap
- * of the caller's. Rectangles out are dirty rectangles in window coordinates, widened by 2 on each side.
+ * of the caller's. Rectangles out are dirty rectangles in window coordinates, widened by 2 on each side; their address
+ * may be null. A null view counts as one without a display buffer, which takes no outlines. The view decides what is
+ * drawn; what its buffer has no room for is left out.
  */
 #ifndef ZR32PATH_DISPLAY_H
 #define ZR32PATH_DISPLAY_H
@@ -22,13 +24,17 @@ ZRPATHAPI int32_t ZrPathDraw(const COORDSTRUCT *view, PATHREC *path, struct tagR
  * ZrPathGetAllMiniMaxRect at zoom 1.0; both widened by 2. Always 1. */
 ZRPATHAPI int32_t ZrPathHide(const COORDSTRUCT *view, PATHREC *path, struct tagRECT *dirty);
 
-/* Adds the outlines of the selected chain. 0 for a null or unselected path, else 1. */
+/* The three functions of the selected chain that path belongs to give 0 for a null or unselected path, else 1; without
+ * a display buffer nothing happens and *dirty stays. Where only segments are asked for, a record that is stepped as a
+ * whole becomes hidden (PATHREC_HIDDEN), so that ZrPathDraw leaves it out until ZrPathDrawSelected shows it again.
+ *
+ * Adds the outlines. */
 ZRPATHAPI int32_t ZrPathDrawSelected(const COORDSTRUCT *view, PATHREC *path, struct tagRECT *dirty);
 
-/* Subtracts the outlines of the selected chain; of a record in node editing only the selected segments. */
+/* Subtracts the outlines; of a record in node editing only the segments at its selected nodes. */
 ZRPATHAPI int32_t ZrPathHideSelected(const COORDSTRUCT *view, PATHREC *path, struct tagRECT *dirty);
 
-/* Adds the outlines of the selected chain; of a record in node editing only the selected segments. */
+/* Adds the outlines; of a record in node editing only the segments at its selected nodes. */
 ZRPATHAPI int32_t ZrPathDrawSelectedSegments(const COORDSTRUCT *view, PATHREC *path, struct tagRECT *dirty);
 
 /* Replaces the table's buffer by one of a new size, keeping what both sizes have. The caller renews its view. 1; 0

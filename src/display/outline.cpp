@@ -134,13 +134,10 @@ void StepSegment(const DISPLAYPLANE *plane, uint8_t sign, const POINTDB *p, int 
         low = {std::min(low.x, p[i].x), std::min(low.y, p[i].y)};
         high = {std::max(high.x, p[i].x), std::max(high.y, p[i].y)};
     }
-    PIXELCHAIN chain;
+    PIXELCHAIN chain = {plane, {}, {}, sign, points == 2};
     RECT box = {TruncInt(low.x), TruncInt(low.y), TruncInt(high.x), TruncInt(high.y)};
     InflateRect(&box, 1, 1);
     if (!IntersectRect(&chain.rect, &box, &plane->clip)) return;
-    chain.plane = plane;
-    chain.sign = sign;
-    chain.straight = points == 2;
     if (points == 2)
         StepLine(&chain, p);
     else

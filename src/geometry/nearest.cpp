@@ -148,7 +148,7 @@ void NearestOnCurve(const POINTDB *controls, const POINTDB &point, NEARPOINT *ne
         const POINTDB vector = BezierPoint(controls, at[i]) - point;
         const double dist2 = Dot(vector, vector);
         if (i > 0 && !(dist2 < nearest->dist2)) continue;
-        const int atEnd = i == 0 || i == roots + 1 || std::fabs(at[i] - 1) < 0.00001;
+        const int atEnd = i == 0 || std::fabs(at[i] - 1) < 0.00001;
         *nearest = {vector, dist2, at[i], atEnd};
     }
 }

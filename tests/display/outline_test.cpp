@@ -155,6 +155,17 @@ TEST(Outline, NegativePositionsLieInPixelMinusOne)
     Free(path);
 }
 
+TEST(Outline, PixelThatAStartOutsideTheViewTakesForTouchedIsDropped)
+{
+    /* The start lies below the view in column 4, so (9, 9) counts as touched last, and it is the first one inside. */
+    TESTVIEW v(20, 10);
+    PATHREC *path = MakePath({{6, 4, 14}, {2, 14, 4}});
+    Step(v, path, OUTLINE_DRAW);
+    EXPECT_EQ(v.At(9, 9), 0);
+    for (int32_t x = 10; x <= 14; x++) EXPECT_EQ(v.At(x, 18 - x), 1);
+    Free(path);
+}
+
 /* ---- which segments ---- */
 
 namespace {

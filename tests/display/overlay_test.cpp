@@ -278,9 +278,11 @@ TEST(Overlay, CropRefusesWhatCannotBeHad)
     uint8_t *old = v.table->lpDB;
     EXPECT_EQ(ZrPathCropDB(nullptr, 5, 5), 0);
     EXPECT_EQ(ZrPathCropDB(v.table, INT32_MAX, INT32_MAX), 0);
-    FaultSet(ALLOC_BUF, 1);
-    EXPECT_EQ(ZrPathCropDB(v.table, 5, 5), 0);
-    FaultSet(ALLOC_BUF, 0);
+    for (const int32_t side : {5, 0}) {
+        FaultSet(ALLOC_BUF, 1);
+        EXPECT_EQ(ZrPathCropDB(v.table, side, side), 0);
+        FaultSet(ALLOC_BUF, 0);
+    }
     EXPECT_EQ(v.table->lpDB, old);
     EXPECT_EQ(v.table->dbWidth, 10);
     EXPECT_EQ(v.table->lpDB[3], 7);

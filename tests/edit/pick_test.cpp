@@ -60,7 +60,7 @@ TEST(Pick, NodeBoxIsHalfOpen)
          * it is hit in the node's stead, its position is not 0. */
         const double away = c.node < 50 ? -100 : 180;
         SCENE s({MakePath({{6, c.node - 0.5, 49.5}, {2, away, 49.5}})});
-        const ANSWER answer = s.Click(50, 50, ZRPICK_QUERY | ZRPICK_ADD);
+        const ANSWER answer = s.Click(50, 50, ZRPICK_ADD);
         EXPECT_EQ(answer.node == 0 && answer.position == 0, c.hit) << c.node;
     }
 }
@@ -114,7 +114,7 @@ TEST(Pick, PositionBehindALinesEndStaysAtTheEnd)
 {
     /* 3 to the right of the end: on the edge that the node's box does not have and the line's has. */
     SCENE s({LineAt(20, 50, 120, 50)});
-    const ANSWER answer = s.Click(123, 50, ZRPICK_ADD | ZRPICK_QUERY);
+    const ANSWER answer = s.Click(123, 50, ZRPICK_ADD);
     EXPECT_EQ(answer.result, 1);
     EXPECT_EQ(answer.node, 0u);
     EXPECT_EQ(answer.position, 65535);
@@ -133,15 +133,15 @@ TEST(Pick, StartWithTheSelectedBitIsAPlainStart)
 {
     SCENE s({MakePath({{6 | M, 20, 20}, {2, 60, 20}, {6 | M, 60, 80}, {2, 20, 80}})});
     EXPECT_EQ(s.Click(60, 50, ZRPICK_ADD).result, 3) << "no line leads from one run to the next";
-    EXPECT_EQ(s.Click(40, 20, ZRPICK_ADD | ZRPICK_QUERY).result, 1);
+    EXPECT_EQ(s.Click(40, 20, ZRPICK_ADD).result, 1);
 }
 
 TEST(Pick, CurveIsTestedInItsControlBoxOnly)
 {
     SCENE s({MakePath({{6, 20, 80}, {4, 20, 20}, {4, 80, 20}, {4, 80, 80}})});
-    EXPECT_EQ(s.Click(50, 35, ZRPICK_ADD | ZRPICK_QUERY).result, 1) << "three quarters of the way to the controls";
-    EXPECT_EQ(s.Click(50, 20, ZRPICK_ADD | ZRPICK_QUERY).result, 3);
-    EXPECT_EQ(s.Click(50, 100, ZRPICK_ADD | ZRPICK_QUERY).result, 3);
+    EXPECT_EQ(s.Click(50, 35, ZRPICK_ADD).result, 1) << "three quarters of the way to the controls";
+    EXPECT_EQ(s.Click(50, 20, ZRPICK_ADD).result, 3);
+    EXPECT_EQ(s.Click(50, 100, ZRPICK_ADD).result, 3);
 }
 
 namespace {
@@ -149,7 +149,7 @@ namespace {
 ANSWER QueryShape(const std::vector<TESTNODE> &nodes, int32_t x, int32_t y)
 {
     SCENE s({MakePath(nodes)});
-    return s.Click(x, y, ZRPICK_ADD | ZRPICK_QUERY);
+    return s.Click(x, y, ZRPICK_ADD);
 }
 
 } // namespace
@@ -286,7 +286,7 @@ TEST(Pick, EqualsThePlainFormOnRandomRecords)
             const int32_t y = Pick(random, 0, 199);
             const EXPECTED want = PlainHit(path, ZrPathPtWndToImage(x, y, s.view), t);
             if (want.hit == CLOSE_CALL) continue;
-            const ANSWER got = s.Click(x, y, ZRPICK_QUERY | ZRPICK_ADD);
+            const ANSWER got = s.Click(x, y, ZRPICK_ADD);
             s.Group()->selectedPath = nullptr;
             ZrPathDeSelectAll(nullptr, s.Group()->activePath, s.view, 0);
             ASSERT_EQ(got.result, want.hit == YES ? 1 : 3) << "seed " << seed << " at " << x << ' ' << y;
@@ -381,22 +381,27 @@ TEST(Pick, QueryChangesNothing)
     SelectPaths({b});
     b->flags = PATHREC_NODEEDIT;
     s.Group()->selectedPath = b;
+    const auto expectUnchanged = [&] {
+        EXPECT_EQ(s.Group()->activePath->flags, 0u);
+        EXPECT_EQ(b->flags, PATHREC_NODEEDIT);
+        EXPECT_EQ(s.Group()->selectedPath, b);
+    };
     ANSWER answer = s.Click(70, 50, ZRPICK_QUERY);
     EXPECT_EQ(answer.result, 1);
     EXPECT_EQ(answer.path, s.Group()->activePath);
+    expectUnchanged();
     answer = s.Click(70, 80, ZRPICK_QUERY);
     EXPECT_EQ(answer.result, 2);
     EXPECT_EQ(answer.path, b);
+    expectUnchanged();
     for (const int32_t y : {65, 180}) { /* near an outline or not */
         answer = s.Click(70, y, ZRPICK_QUERY);
         EXPECT_EQ(answer.result, 3);
         EXPECT_EQ(answer.path, nullptr);
         EXPECT_EQ(answer.node, noNode);
         EXPECT_EQ(answer.position, noPosition);
+        expectUnchanged();
     }
-    EXPECT_EQ(s.Group()->activePath->flags, 0u);
-    EXPECT_EQ(b->flags, PATHREC_NODEEDIT);
-    EXPECT_EQ(s.Group()->selectedPath, b);
 }
 
 TEST(Pick, PlainClickReplacesTheSelection)
@@ -506,14 +511,13 @@ TEST(Pick, WhereAnAnchorsBitStands)
          {{6, 20, 20}, {4, 30, 20}, {4, 50, 20}, {0x2004, 60, 20}, {4, 60, 30}, {4, 60, 50}, {4, 60, 80}},
          3,
          1},
-        {"a shape's node is no anchor", {{6, 20, 20}, {0x200, 60, 60}, {2, 100, 60}}, 1, -1},
+        {"a shape's node is no anchor", {{6, 20, 20}, {0x100, 60, 60}, {0, 120, 120}, {2, 150, 150}}, 2, -1},
     };
     for (const auto &c : cases) {
         SCENE s({MakePath(c.nodes)});
         PATHREC *a = s.Group()->activePath;
         SelectPaths({a});
         const TESTNODE &n = c.nodes[c.click];
-        /* The rectangle of the last case would be hit itself, to the same effect. */
         EXPECT_EQ(s.Click(static_cast<int32_t>(n.x), static_cast<int32_t>(n.y), ZRPICK_ADD).result, 2) << c.name;
         EXPECT_EQ(a->flags, PATHREC_NODEEDIT) << c.name;
         for (uint32_t i = 0; i < a->nodeCount; i++)
@@ -598,6 +602,15 @@ TEST(Pick, NothingGivenIsNothingHit)
         path = nullptr;
     }
     EXPECT_EQ(ZrPathPtOn(70, 50, 1, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr), -1);
+}
+
+TEST(Pick, AtZoomZeroEverythingIsNear)
+{
+    SCENE s({LineAt(20, 50, 120, 50)});
+    s.view->zoom = 0;
+    const ANSWER answer = s.Click(0, 0, ZRPICK_ADD);
+    EXPECT_EQ(answer.result, 1);
+    EXPECT_EQ(answer.node, 0u);
 }
 
 TEST(Pick, RecordsAndViewsThatNobodyShouldMakeAreSafe)

@@ -58,6 +58,21 @@ TEST(Polygon, StarHasInnerCornersBetweenTheOuter)
     }
 }
 
+TEST(Polygon, CornersComeInMirroredPairs)
+{
+    for (int n = 3; n <= 12; n++)
+        for (const double inner : {0.0, 7.0}) {
+            POLYGON polygon;
+            ASSERT_TRUE(Read(n, inner, 26, 20, &polygon)); /* the axis is level, at y 20 */
+            for (uint32_t k = 1; k < polygon.count; k++) {
+                const POINTDB a = PolygonCorner(&polygon, k);
+                const POINTDB b = PolygonCorner(&polygon, polygon.count - k);
+                EXPECT_NEAR(a.x, b.x, 1e-12) << n << ' ' << k;
+                EXPECT_NEAR(a.y - 20, 20 - b.y, 1e-12) << n << ' ' << k;
+            }
+        }
+}
+
 TEST(Polygon, NumbersAreCutToWholeCorners)
 {
     POLYGON polygon;

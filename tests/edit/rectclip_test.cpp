@@ -279,7 +279,195 @@ TEST(RectClip, EmptyGroupsNullsAndOddRecordsAreSafe)
             }
 }
 
-/* ---- against samples ---- */
+/* ---- against plain forms ---- */
+
+namespace {
+
+/* Sides and coordinates in quarters of an image pixel, so that everything below is exact in integers. */
+struct QUARTERS {
+    int64_t left, top, right, bottom;
+};
+
+struct SPOT {
+    int64_t x, y;
+};
+
+int64_t Turn(const SPOT &a, const SPOT &b, const SPOT &c)
+{
+    const int64_t turn = (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
+    return (turn > 0) - (turn < 0);
+}
+
+bool Between(const SPOT &a, const SPOT &b, const SPOT &p)
+{
+    return std::min(a.x, b.x) <= p.x && p.x <= std::max(a.x, b.x) && std::min(a.y, b.y) <= p.y &&
+           p.y <= std::max(a.y, b.y);
+}
+
+/* Do two segments have a point in common? */
+bool Meet(const SPOT &a, const SPOT &b, const SPOT &c, const SPOT &d)
+{
+    const int64_t abc = Turn(a, b, c);
+    const int64_t abd = Turn(a, b, d);
+    const int64_t cda = Turn(c, d, a);
+    const int64_t cdb = Turn(c, d, b);
+    if (abc != abd && cda != cdb) return true;
+    return (abc == 0 && Between(a, b, c)) || (abd == 0 && Between(a, b, d)) || (cda == 0 && Between(c, d, a)) ||
+           (cdb == 0 && Between(c, d, b));
+}
+
+bool PlainLine(const SPOT &a, const SPOT &b, const QUARTERS &r)
+{
+    const SPOT c[4] = {{r.left, r.top}, {r.right, r.top}, {r.right, r.bottom}, {r.left, r.bottom}};
+    bool any = Between(c[0], c[2], a);
+    for (int i = 0; i < 4; i++) any |= Meet(a, b, c[i], c[(i + 1) % 4]);
+    return any;
+}
+
+bool Apart(const QUARTERS &a, const QUARTERS &b)
+{
+    return a.right < b.left || b.right < a.left || a.bottom < b.top || b.bottom < a.top;
+}
+
+bool Within(const QUARTERS &in, const QUARTERS &out)
+{
+    return out.left < in.left && in.right < out.right && out.top < in.top && in.bottom < out.bottom;
+}
+
+bool PlainBox(QUARTERS box, const QUARTERS &r)
+{
+    box = {box.left / 4 * 4, box.top / 4 * 4, box.right / 4 * 4, box.bottom / 4 * 4};
+    return !Apart(box, r) && !Within(r, box);
+}
+
+bool PlainEllipse(const QUARTERS &e, const QUARTERS &r)
+{
+    if (Within(e, r)) return true;
+    if (Apart(e, r)) return false;
+    const int64_t a = (e.right - e.left) / 2;
+    const int64_t b = (e.bottom - e.top) / 2;
+    const SPOT exact = {(e.left + e.right) / 2, (e.top + e.bottom) / 2};
+    const auto f = [a, b](int64_t x, int64_t y) { return x * x * b * b + y * y * a * a - a * a * b * b; };
+    bool all = true;
+    for (const int64_t x : {r.left, r.right})
+        for (const int64_t y : {r.top, r.bottom})
+            all &= e.left <= x && x <= e.right && e.top <= y && y <= e.bottom && f(x - exact.x, y - exact.y) < 0;
+    if (all) return false;
+    const SPOT c = {exact.x / 4 * 4, exact.y / 4 * 4};
+    const QUARTERS s = {r.left - c.x, r.top - c.y, r.right - c.x, r.bottom - c.y};
+    const int across = s.left > 0 ? 1 : s.right < 0 ? -1 : 0;
+    const int down = s.top > 0 ? 1 : s.bottom < 0 ? -1 : 0;
+    if (across == 0 && down == 0)
+        return std::max({f(s.left, s.top), f(s.right, s.top), f(s.left, s.bottom), f(s.right, s.bottom)}) >= 0;
+    if (across == 0) return (down > 0 ? s.top : -s.bottom) < b;
+    if (down == 0) return (across > 0 ? s.left : -s.right) < a;
+    const auto x = [&](bool far) { return (across > 0) == far ? s.right : s.left; };
+    const auto y = [&](bool far) { return (down > 0) == far ? s.bottom : s.top; };
+    return f(x(false), y(false)) < 0 && f(x(true), y(true)) > 0;
+}
+
+/* At zoom 2 and scroll 1 view pixel v is image v / 2: whole and half pixels. */
+bool Clips(const std::vector<TESTNODE> &nodes, const QUARTERS &r)
+{
+    TESTVIEW v(300, 300, 2, 1, 1);
+    v.Add({MakePath(nodes)});
+    return ZrPathRectClip(static_cast<int32_t>(r.left / 2), static_cast<int32_t>(r.top / 2),
+                          static_cast<int32_t>(r.right / 2), static_cast<int32_t>(r.bottom / 2), v.table, nullptr,
+                          v.view, ZRCLIP_OUTLINE) == 1;
+}
+
+/* Halves of pixels in a small range, so that edges often meet. */
+QUARTERS RandomBox(RANDOM &random)
+{
+    const int64_t x = Pick(random, -14, 14) * 2;
+    const int64_t y = Pick(random, -14, 14) * 2;
+    return {x, y, x + Pick(random, 0, 16) * 2, y + Pick(random, 0, 16) * 2};
+}
+
+} // namespace
+
+TEST(RectClip, LinesEllipsesAndBoxesEqualTheirPlainForms)
+{
+    int yes[3] = {};
+    for (unsigned seed = 0; seed < 6000; seed++) {
+        RANDOM random(seed);
+        const QUARTERS box = RandomBox(random);
+        const QUARTERS rect = RandomBox(random);
+        const double left = static_cast<double>(box.left) / 4;
+        const double top = static_cast<double>(box.top) / 4;
+        const double right = static_cast<double>(box.right) / 4;
+        const double bottom = static_cast<double>(box.bottom) / 4;
+        const bool line = Clips({{6, left, bottom}, {2, right, top}}, rect);
+        ASSERT_EQ(line, PlainLine({box.left, box.bottom}, {box.right, box.top}, rect)) << "seed " << seed;
+        const bool ellipse = Clips({{6, right, top}, {0x100, left, bottom}, {0, 0.3, 0}}, rect);
+        ASSERT_EQ(ellipse, PlainEllipse(box, rect)) << "seed " << seed;
+        const bool shape = Clips({{6, right, bottom}, {0x200, left, top}}, rect);
+        ASSERT_EQ(shape, PlainBox(box, rect)) << "seed " << seed;
+        yes[0] += line;
+        yes[1] += ellipse;
+        yes[2] += shape;
+    }
+    for (const int count : yes) {
+        EXPECT_GT(count, 600);
+        EXPECT_LT(count, 5400);
+    }
+}
+
+TEST(RectClip, CurvesEqualTheirSampledForm)
+{
+    int yes = 0;
+    for (unsigned seed = 0; seed < 4000; seed++) {
+        RANDOM random(seed);
+        /* Small ones, whose pieces are few and cut corners, and large ones. */
+        const int size = seed % 2 ? 20 : 120;
+        std::vector<TESTNODE> nodes;
+        POINTDB p[4];
+        for (POINTDB &c : p) {
+            c = {static_cast<double>(Pick(random, 0, size)), static_cast<double>(Pick(random, 0, size))};
+            nodes.push_back({nodes.empty() ? uint16_t{6} : uint16_t{4}, c.x, c.y});
+        }
+        const int64_t left = Pick(random, 0, 2 * size) * 2;
+        const int64_t top = Pick(random, 0, 2 * size) * 2;
+        const QUARTERS rect = {left, top, left + Pick(random, 0, 6) * 2, top + Pick(random, 0, 6) * 2};
+        const double rl = static_cast<double>(rect.left) / 4;
+        const double rt = static_cast<double>(rect.top) / 4;
+        const double rr = static_cast<double>(rect.right) / 4;
+        const double rb = static_cast<double>(rect.bottom) / 4;
+
+        int length = 0;
+        for (int i = 0; i < 3; i++) length += static_cast<int>(std::hypot(p[i + 1].x - p[i].x, p[i + 1].y - p[i].y));
+        const int count = std::max(length / 10, 10) + 1;
+        bool want = true;
+        for (const POINTDB &c : p) want &= c.x > rl && c.x < rr && c.y > rt && c.y < rb;
+        POINTDB before = p[0];
+        for (int i = 1; i < count && !want; i++) {
+            const double u = static_cast<double>(i) / (count - 1);
+            const double w[4] = {(1 - u) * (1 - u) * (1 - u), 3 * (1 - u) * (1 - u) * u, 3 * (1 - u) * u * u,
+                                 u * u * u};
+            POINTDB at = {0, 0};
+            for (int k = 0; k < 4; k++) at = at + p[k] * w[k];
+            /* Clip the piece's parameter by each side in turn. */
+            double from = 0;
+            double to = 1;
+            const double limits[4][2] = {{before.x - rl, at.x - before.x},
+                                         {rr - before.x, before.x - at.x},
+                                         {before.y - rt, at.y - before.y},
+                                         {rb - before.y, before.y - at.y}};
+            for (const auto &l : limits) {
+                /* l[0] + t l[1] must not be negative. */
+                if (l[1] > 0) from = std::max(from, -l[0] / l[1]);
+                if (l[1] < 0) to = std::min(to, -l[0] / l[1]);
+                if (l[1] == 0 && l[0] < 0) to = -1;
+            }
+            want = from <= to;
+            before = at;
+        }
+        const bool got = Clips(nodes, rect);
+        ASSERT_EQ(got, want) << "seed " << seed;
+        yes += got;
+    }
+    EXPECT_GT(yes, 150);
+}
 
 TEST(RectClip, OutlineTestEqualsDenseSampling)
 {

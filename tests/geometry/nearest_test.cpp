@@ -186,13 +186,23 @@ TEST(Nearest, FootOnALineAndItsEnds)
     };
     for (const auto &c : cases) {
         NEARPOINT nearest;
-        NearestOnLine({0, 0}, {10, 0}, c.point, &nearest);
+        const POINTDB origin = {-7, 21};
+        NearestOnLine(origin, origin + POINTDB{10, 0}, origin + c.point, &nearest);
         EXPECT_DOUBLE_EQ(nearest.vector.x, c.vector.x) << c.name;
         EXPECT_DOUBLE_EQ(nearest.vector.y, c.vector.y) << c.name;
         EXPECT_DOUBLE_EQ(nearest.dist2, Dot(c.vector, c.vector)) << c.name;
         EXPECT_DOUBLE_EQ(nearest.t, c.t) << c.name;
         EXPECT_EQ(nearest.atEnd, c.atEnd) << c.name;
     }
+}
+
+TEST(Nearest, SlopingLineHasAPerpendicularVector)
+{
+    NEARPOINT nearest;
+    NearestOnLine({1, 2}, {9, 8}, {1, 7}, &nearest); /* 3 : 4, so the foot is at (3.4, 3.8) */
+    EXPECT_NEAR(nearest.vector.x, 2.4, 1e-12);
+    EXPECT_NEAR(nearest.vector.y, -3.2, 1e-12);
+    EXPECT_NEAR(nearest.t, 0.3, 1e-12);
 }
 
 TEST(Nearest, LineWithoutLengthIsNotANumber)
