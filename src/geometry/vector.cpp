@@ -61,19 +61,6 @@ void Vec2Project(const POINTDB &a, const POINTDB &b, PROJECTION *out)
     out->restLength = Length(out->rest);
 }
 
-void Vec3Normalize(double *v)
-{
-    const double length = std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
-    v[0] /= length;
-    v[1] /= length;
-    v[2] /= length;
-}
-
-void VecNormalize(double *v)
-{
-    if (v[0] * v[0] + v[1] * v[1] + v[2] * v[2] != 0) Vec3Normalize(v);
-}
-
 void OutlineNormals(const POINTDB &tangent, POINTDB *n1, POINTDB *n2)
 {
     if (tangent.x == 0) {

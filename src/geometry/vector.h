@@ -64,11 +64,20 @@ struct PROJECTION {
 /* Splits a into its part along b and the rest. */
 void Vec2Project(const POINTDB &a, const POINTDB &b, PROJECTION *out);
 
-/* Divides by the length without a guard: a zero vector becomes NaN. */
-void Vec3Normalize(double *v);
+/* Divides by the length without a guard: a zero vector becomes NaN. Inline for inner loops, as the next. */
+inline void Vec3Normalize(double *v)
+{
+    const double length = std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
+    v[0] /= length;
+    v[1] /= length;
+    v[2] /= length;
+}
 
 /* The same, but a vector of length exactly 0 stays. */
-void VecNormalize(double *v);
+inline void VecNormalize(double *v)
+{
+    if (v[0] * v[0] + v[1] * v[1] + v[2] * v[2] != 0) Vec3Normalize(v);
+}
 
 /* a x (1 - t) + b x t. */
 inline POINTDB LerpPoint(const POINTDB &a, const POINTDB &b, double t)

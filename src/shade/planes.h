@@ -66,6 +66,7 @@ struct OFFSETPAIR {
     double x2;
     double y2;
     int hasSecond;
+    uint64_t record; /* the bits that the first vector was read from: equal bits, equal vectors */
 };
 
 /* The record at an address of eight bytes. */
@@ -74,17 +75,21 @@ inline OFFSETPAIR OffsetRead(const uint8_t *record, int32_t floats)
     if (floats) {
         SURFVECF vector;
         memcpy(&vector, record, sizeof vector);
-        return {static_cast<double>(vector.x), static_cast<double>(vector.y), 0, 0, 0};
+        uint64_t bits;
+        memcpy(&bits, record, sizeof bits);
+        return {static_cast<double>(vector.x), static_cast<double>(vector.y), 0, 0, 0, bits};
     }
     SURFVEC16 vector;
     memcpy(&vector, record, sizeof vector);
-    return {vector.x1 * 0.00390625, vector.y1 * 0.00390625, vector.x2 * 0.00390625, vector.y2 * 0.00390625,
-            vector.x2 != 0 || vector.y2 != 0};
+    uint32_t bits;
+    memcpy(&bits, record, sizeof bits);
+    return {vector.x1 * 0.00390625, vector.y1 * 0.00390625,           vector.x2 * 0.00390625,
+            vector.y2 * 0.00390625, vector.x2 != 0 || vector.y2 != 0, bits};
 }
 
 inline OFFSETPAIR OffsetAt(const SHADEROW &row, int32_t x, int32_t floats)
 {
-    if (x < 0 || x >= row.count) return {0, 0, 0, 0, 0};
+    if (x < 0 || x >= row.count) return {0, 0, 0, 0, 0, 0};
     return OffsetRead(row.pixels + static_cast<size_t>(x) * 8, floats);
 }
 
