@@ -3,7 +3,7 @@
  * From each corner of a target pixel a ray runs along the surface normal to a unit sphere around the scene; where it
  * meets the sphere is a place of the source, whose columns run once around and whose rows run from pole to pole. The
  * pixel is the mean of the box that its four corners span. Corners are worked out once and shared by the pixels that
- * touch them: two rows of them are kept.
+ * touch them: two rows of them are kept. Large boxes are read off a table of sums.
  *
  * Environment mapping: J. F. Blinn and M. E. Newell, Texture and Reflection in Computer Generated Images, 1976.
  */
@@ -20,10 +20,21 @@ namespace zr32 {
 
 namespace {
 
+/* Where a corner of a target pixel falls on the source: column and row, not cut. */
 struct CORNER {
-    double u; /* column and row of the source, not cut */
+    double u;
     double v;
     int known;
+};
+
+/* One row of corners, one a target column, and the rows of the planes that they are worked out from. */
+struct CORNERROW {
+    CORNER *corners;
+    int32_t row;
+    SHADEROW offsets;
+    SHADEROW flat;
+    SHADEROW bump;
+    SHADEROW bumpBefore;
 };
 
 /* One wrapping, with what differs between the two exports named. */
@@ -34,7 +45,6 @@ struct WRAP {
     PATHBUF mask;
     PATHBUF flatMask; /* may be null, as bumpMap */
     PATHBUF bumpMap;
-    int channels; /* of target and source */
     int32_t bumpPercent;
     int32_t floats; /* form of the records; also picks the projection: with it latitude and longitude */
     SURFACEFORM form;
@@ -52,33 +62,42 @@ struct WRAPSTATE {
     int flatOn;
     int bumpOn;
     double bumpScale;
-    CORNER *above; /* corners of the pixel row's upper and lower edge, one a column */
-    CORNER *below;
-    uint32_t *sums; /* of the source, along each row from the left, by channel; null: added up pixel by pixel */
+    int32_t centreX;
+    int32_t centreY;
+    double radius; /* of the scene, pixels */
+    int32_t quarterWidth;
+    int32_t quarterHeight;
+    CORNERROW above; /* the upper and the lower edge of the row of pixels at hand */
+    CORNERROW below;
+    uint32_t *sums;     /* of all bytes above and left, by channel, modulo 2^32; null: boxes are added up */
+    int64_t addedUp;    /* bytes added up so far for lack of sums */
+    int64_t sumsWanted; /* so many make the sums worth their making */
 };
 
-/* The bump rows that a row of corners is measured between. The first two start oddly: row 1 against row 0, then row 1
- * against itself. */
-void BumpRowsOf(const WRAPSTATE *st, int32_t row, SHADEROW *current, SHADEROW *before)
+/* ---- corners ---- */
+
+/* The rows of the planes for a row of corners. The bump map's first two slopes downwards start oddly: row 1 against
+ * row 0, then row 1 against itself; behind the last row it goes on as that row. */
+void CornerRowStart(const WRAPSTATE *st, int32_t row, CORNERROW *corners)
 {
-    const int32_t last = st->bump.height - 1;
-    const int32_t currentRow = std::max(row, 1);
-    const int32_t beforeRow = row == 1 ? 1 : std::max(row - 1, 0);
-    *current = RowOf(st->wrap->bumpMap, st->bump, std::min(currentRow, last), 1);
-    *before = RowOf(st->wrap->bumpMap, st->bump, std::min(beforeRow, last), 1);
+    const WRAP *wrap = st->wrap;
+    const int32_t lastBump = st->bump.height - 1;
+    const int32_t bumpRow = std::max(row, 1);
+    const int32_t bumpBefore = row == 1 ? 1 : std::max(row - 1, 0);
+    corners->row = row;
+    corners->offsets = RowOf(wrap->normalMap, st->normals, row, 8);
+    corners->flat = RowOf(wrap->flatMask, st->flat, row, 1);
+    corners->bump = RowOf(wrap->bumpMap, st->bump, std::min(bumpRow, lastBump), 1);
+    corners->bumpBefore = RowOf(wrap->bumpMap, st->bump, std::min(bumpBefore, lastBump), 1);
+    for (int32_t col = 0; col < st->target.width; col++) corners->corners[col].known = 0;
 }
 
 /* The normal at a corner; x and y as the profile leaves them. m is the flat interior's coverage there. */
-void CornerNormal(const WRAPSTATE *st, int32_t col, int32_t row, int m, double *x, double *y, double *normal)
+void CornerNormal(const WRAPSTATE *st, const CORNERROW &row, int32_t col, int m, double *x, double *y, double *normal)
 {
     double gx = 0;
     double gy = 0;
-    if (st->bumpOn) {
-        SHADEROW current;
-        SHADEROW before;
-        BumpRowsOf(st, row, &current, &before);
-        BumpSlopes(current, before, col, st->bumpScale, &gx, &gy);
-    }
+    if (st->bumpOn) BumpSlopes(row.bump, row.bumpBefore, col, st->bumpScale, &gx, &gy);
     if (m == 255) {
         normal[0] = -gx;
         normal[1] = -gy;
@@ -100,26 +119,23 @@ void CornerNormal(const WRAPSTATE *st, int32_t col, int32_t row, int m, double *
     VecNormalize(normal);
 }
 
-CORNER CornerAt(const WRAPSTATE *st, int32_t col, int32_t row)
+CORNER CornerAt(const WRAPSTATE *st, const CORNERROW &row, int32_t col)
 {
     const WRAP *wrap = st->wrap;
-    const OFFSETPAIR offset = OffsetAt(RowOf(wrap->normalMap, st->normals, row, 8), col, wrap->floats);
-    const int m = st->flatOn ? ByteAt(RowOf(wrap->flatMask, st->flat, row, 1), col) : 0;
+    const OFFSETPAIR offset = OffsetAt(row.offsets, col, wrap->floats);
+    const int m = st->flatOn ? ByteAt(row.flat, col) : 0;
     double x = offset.x1;
     double y = offset.y1;
     double normal[3] = {0, 0, 1};
-    CornerNormal(st, col, row, m, &x, &y, normal);
+    CornerNormal(st, row, col, m, &x, &y, normal);
 
     double h = std::sqrt(x * x + y * y);
     if (h > wrap->form.width) h = wrap->form.width;
     if (wrap->form.scale) h = wrap->form.scale * h * 0.03333333333333333;
 
-    const int32_t centreX = st->target.width / 2;
-    const int32_t centreY = st->target.height / 2;
-    const double radius = static_cast<double>((int64_t{st->target.width} + st->target.height) / 2);
-    const double p[3] = {(col - centreX) / radius, (row - centreY) / radius, h / radius};
-    const double b = Vec3Dot(p, normal);
-    const double t = std::sqrt(b * b - (Vec3Dot(p, p) - 1.0)) - b;
+    const double p[3] = {(col - st->centreX) / st->radius, (row.row - st->centreY) / st->radius, h / st->radius};
+    const double b = p[0] * normal[0] + p[1] * normal[1] + p[2] * normal[2];
+    const double t = std::sqrt(b * b - (p[0] * p[0] + p[1] * p[1] + p[2] * p[2] - 1.0)) - b;
     double qx = t * normal[0] + p[0];
     double qy = t * normal[1] + p[1];
     if (wrap->floats) qx = qx / std::sqrt(1.0 - qy * qy);
@@ -128,11 +144,14 @@ CORNER CornerAt(const WRAPSTATE *st, int32_t col, int32_t row)
     return {u, (qy + 1.0) * (st->source.height / 2), 1};
 }
 
-const CORNER &CornerOf(const WRAPSTATE *st, CORNER *corners, int32_t col, int32_t row)
+const CORNER &CornerOf(const WRAPSTATE *st, const CORNERROW &row, int32_t col)
 {
-    if (!corners[col].known) corners[col] = CornerAt(st, col, row);
-    return corners[col];
+    CORNER *corner = &row.corners[col];
+    if (!corner->known) *corner = CornerAt(st, row, col);
+    return *corner;
 }
+
+/* ---- boxes of the source ---- */
 
 /* From least to most of one axis, over the corners that lie within a quarter of the source from the first: neighbours
  * may land on opposite sides of its seam. */
@@ -151,97 +170,115 @@ void Widen(EXTENT *extent, double first, double value, int32_t quarter)
     }
 }
 
-int32_t Cut(double value, int32_t count)
+/* The column or row of a place, the first or last for what lies outside and the first for no number. */
+int32_t Cut(double place, int32_t count)
 {
-    return std::clamp(TruncInt(value), 0, count - 1);
+    if (!(place > 0)) return 0;
+    return place < count ? TruncInt(place) : count - 1;
 }
 
-/* The sum of a channel over columns left to right of a row of the source. */
-uint32_t RowSum(const WRAPSTATE *st, int32_t row, int32_t left, int32_t right, int c)
+/* Columns and rows, all of them inclusive. */
+struct BOX {
+    int32_t left;
+    int32_t top;
+    int32_t right;
+    int32_t bottom;
+};
+
+/* The sums of the whole source. Without memory, or where a box could pass 32 bits, boxes are added up for ever. */
+template <size_t CHANNELS> void SumsMake(WRAPSTATE *st)
 {
-    const int channels = st->wrap->channels;
-    if (st->sums) {
-        const uint32_t *sums = st->sums + static_cast<size_t>(row) * static_cast<size_t>(st->source.width + 1) *
-                                              static_cast<size_t>(channels);
-        return sums[(right + 1) * channels + c] - sums[left * channels + c];
+    st->sumsWanted = INT64_MAX;
+    const size_t width = static_cast<size_t>(st->source.width);
+    const size_t height = static_cast<size_t>(st->source.height);
+    const size_t stride = (width + 1) * CHANNELS;
+    if (width * height > 1 << 24) return;
+    st->sums = static_cast<uint32_t *>(BufAlloc(bufZero, stride * (height + 1) * sizeof(uint32_t)));
+    if (!st->sums) return;
+    uint32_t *to = st->sums + stride + CHANNELS;
+    for (size_t y = 0; y < height; y++, to += CHANNELS) {
+        const uint8_t *from = BufRow(st->wrap->source, st->source, static_cast<int32_t>(y));
+        uint32_t row[CHANNELS] = {};
+        for (size_t x = 0; x < width; x++)
+            for (size_t c = 0; c < CHANNELS; c++, to++) {
+                row[c] += *from++;
+                *to = *(to - stride) + row[c];
+            }
     }
-    const uint8_t *pixels = BufRow(st->wrap->source, st->source, row);
-    uint32_t sum = 0;
-    for (int32_t x = left; x <= right; x++) sum += pixels[x * channels + c];
-    return sum;
 }
 
-void WrapPixel(const WRAPSTATE *st, int32_t col, int32_t row, uint8_t *pixel)
+/* The sum of each channel over a box. Small boxes are added up byte by byte; the sums are made once the large ones
+ * have cost as much as making them. */
+template <size_t CHANNELS> void BoxSum(WRAPSTATE *st, const BOX &box, int64_t count, int64_t *sum)
 {
-    const CORNER corners[4] = {CornerOf(st, st->above, col, row), CornerOf(st, st->above, col + 1, row),
-                               CornerOf(st, st->below, col + 1, row + 1), CornerOf(st, st->below, col, row + 1)};
-    const int channels = st->wrap->channels;
-    const CORNER &first = corners[0];
+    if (count > 16 && st->addedUp >= st->sumsWanted) SumsMake<CHANNELS>(st);
+    const size_t left = static_cast<size_t>(box.left) * CHANNELS;
+    const size_t right = (static_cast<size_t>(box.right) + 1) * CHANNELS;
+    if (count > 16 && st->sums) {
+        const size_t stride = (static_cast<size_t>(st->source.width) + 1) * CHANNELS;
+        const uint32_t *over = st->sums + stride * static_cast<size_t>(box.top);
+        const uint32_t *last = st->sums + stride * (static_cast<size_t>(box.bottom) + 1);
+        for (size_t c = 0; c < CHANNELS; c++)
+            sum[c] = last[right + c] - last[left + c] - over[right + c] + over[left + c];
+        return;
+    }
+    if (count > 16) st->addedUp += count;
+    for (size_t c = 0; c < CHANNELS; c++) sum[c] = 0;
+    for (int32_t y = box.top; y <= box.bottom; y++) {
+        const uint8_t *row = BufRow(st->wrap->source, st->source, y);
+        for (size_t at = left; at < right; at += CHANNELS)
+            for (size_t c = 0; c < CHANNELS; c++) sum[c] += row[at + c];
+    }
+}
+
+/* ---- the target ---- */
+
+template <size_t CHANNELS> void WrapPixel(WRAPSTATE *st, int32_t col, uint8_t *pixel)
+{
+    const int32_t width = st->source.width;
+    const int32_t height = st->source.height;
+    const CORNER &first = CornerOf(st, st->above, col);
+    const CORNER *others[3] = {&CornerOf(st, st->above, col + 1), &CornerOf(st, st->below, col + 1),
+                               &CornerOf(st, st->below, col)};
     if (std::isnan(first.u) || std::isnan(first.v)) { /* no box: the target's own column serves */
-        const uint8_t *pixels = BufRow(st->wrap->source, st->source, Cut(first.v, st->source.height));
-        memcpy(pixel, pixels + static_cast<size_t>(Cut(col, st->source.width) * channels),
-               static_cast<size_t>(channels));
+        memcpy(pixel,
+               BufRow(st->wrap->source, st->source, Cut(first.v, height)) +
+                   static_cast<size_t>(std::min(col, width - 1)) * CHANNELS,
+               CHANNELS);
         return;
     }
     EXTENT u = {first.u, first.u};
     EXTENT v = {first.v, first.v};
-    for (int i = 1; i < 4; i++) {
-        Widen(&u, first.u, corners[i].u, st->source.width / 4);
-        Widen(&v, first.v, corners[i].v, st->source.height / 4);
+    for (const CORNER *corner : others) {
+        Widen(&u, first.u, corner->u, st->quarterWidth);
+        Widen(&v, first.v, corner->v, st->quarterHeight);
     }
-    const int32_t left = Cut(u.least, st->source.width);
-    const int32_t right = Cut(u.most, st->source.width);
-    const int32_t top = Cut(v.least, st->source.height);
-    const int32_t bottom = Cut(v.most, st->source.height);
-    const int64_t count = (int64_t{right} - left + 1) * (int64_t{bottom} - top + 1);
-    for (int c = 0; c < channels; c++) {
-        int64_t sum = 0;
-        for (int32_t y = top; y <= bottom; y++) sum += RowSum(st, y, left, right, c);
-        pixel[c] = static_cast<uint8_t>(sum / count);
-    }
+    const BOX box = {Cut(u.least, width), Cut(v.least, height), Cut(u.most, width), Cut(v.most, height)};
+    const int64_t count = (int64_t{box.right} - box.left + 1) * (int64_t{box.bottom} - box.top + 1);
+    int64_t sum[CHANNELS];
+    BoxSum<CHANNELS>(st, box, count, sum);
+    for (size_t c = 0; c < CHANNELS; c++) pixel[c] = static_cast<uint8_t>(sum[c] / count);
 }
 
-/* Sums along the source's rows, where they are worth their making. Without memory boxes are added up pixel by pixel. */
-uint32_t *SourceSums(const WRAPSTATE *st)
-{
-    const size_t pixels = static_cast<size_t>(st->source.width) * static_cast<size_t>(st->source.height);
-    const size_t targets = static_cast<size_t>(st->target.width) * static_cast<size_t>(st->target.height);
-    if (pixels / 16 > targets || st->source.width > 1 << 24) return nullptr;
-    const size_t channels = static_cast<size_t>(st->wrap->channels);
-    const size_t entries = (pixels + static_cast<size_t>(st->source.height)) * channels;
-    uint32_t *sums = static_cast<uint32_t *>(BufAlloc(0, entries * sizeof(uint32_t)));
-    if (!sums) return nullptr;
-    uint32_t *to = sums;
-    for (int32_t y = 0; y < st->source.height; y++) {
-        const uint8_t *from = BufRow(st->wrap->source, st->source, y);
-        std::fill(to, to + channels, 0u);
-        to += channels;
-        for (size_t i = 0; i < static_cast<size_t>(st->source.width) * channels; i++, to++)
-            *to = *(to - channels) + from[i];
-    }
-    return sums;
-}
-
-void WrapRows(WRAPSTATE *st)
+/* The last row and the last column of the target are never written. */
+template <size_t CHANNELS> void WrapRows(WRAPSTATE *st)
 {
     const WRAP *wrap = st->wrap;
-    const int32_t width = st->target.width;
+    CornerRowStart(st, 0, &st->below);
     for (int32_t row = 0; row + 1 < st->target.height; row++) {
         std::swap(st->above, st->below);
-        if (row == 0) std::fill(st->above, st->above + width, CORNER{0, 0, 0});
-        std::fill(st->below, st->below + width, CORNER{0, 0, 0});
+        CornerRowStart(st, row + 1, &st->below);
         const SHADEROW mask = RowOf(wrap->mask, st->mask, row, 1);
-        const SHADEROW flat = RowOf(wrap->flatMask, st->flat, row, 1);
         uint8_t *pixels = BufRow(wrap->target, st->target, row);
-        for (int32_t col = 0; col + 1 < width; col++) {
-            if (ByteAt(mask, col) == 0 && !(st->flatOn && ByteAt(flat, col) != 0)) continue;
-            WrapPixel(st, col, row, pixels + static_cast<size_t>(col) * static_cast<size_t>(wrap->channels));
+        for (int32_t col = 0; col + 1 < st->target.width; col++) {
+            if (ByteAt(mask, col) == 0 && !(st->flatOn && ByteAt(st->above.flat, col) != 0)) continue;
+            WrapPixel<CHANNELS>(st, col, pixels + static_cast<size_t>(col) * CHANNELS);
         }
     }
 }
 
-/* The common body. The last row and the last column of the target are never written. */
-int32_t WrapAround(const WRAP *wrap)
+/* 1; 0 when a buffer that must be there is null, or without memory for two rows of corners: nothing is written then. */
+template <size_t CHANNELS> int32_t WrapAround(const WRAP *wrap)
 {
     if (!wrap->normalMap || !wrap->target || !wrap->source || !wrap->mask) return 0;
     WRAPSTATE st = {};
@@ -257,13 +294,21 @@ int32_t WrapAround(const WRAP *wrap)
     st.bumpScale = wrap->bumpPercent * 0.01;
     ProfileTableBuild(wrap->form.profile, wrap->form.width, wrap->form.scale, wrap->form.invert);
     if (st.target.width < 2 || st.target.height < 2 || st.source.width < 1 || st.source.height < 1) return 1;
+    if (st.target.pixelSize < CHANNELS || st.source.pixelSize < CHANNELS) return 1;
+    st.centreX = st.target.width / 2;
+    st.centreY = st.target.height / 2;
+    st.radius = static_cast<double>((int64_t{st.target.width} + st.target.height) / 2);
+    st.quarterWidth = st.source.width / 4;
+    st.quarterHeight = st.source.height / 4;
+    /* Sums of a source that changes under the hand would be those of before. */
+    st.sumsWanted = wrap->source == wrap->target ? INT64_MAX : int64_t{st.source.width} * st.source.height;
 
-    CORNER *corners = static_cast<CORNER *>(BufAlloc(0, 2 * static_cast<size_t>(st.target.width) * sizeof(CORNER)));
+    const size_t width = static_cast<size_t>(st.target.width);
+    CORNER *corners = static_cast<CORNER *>(BufAlloc(0, 2 * width * sizeof(CORNER)));
     if (!corners) return 0;
-    st.above = corners;
-    st.below = corners + st.target.width;
-    st.sums = SourceSums(&st);
-    WrapRows(&st);
+    st.above.corners = corners;
+    st.below.corners = corners + width;
+    WrapRows<CHANNELS>(&st);
     BufFree(st.sums);
     BufFree(corners);
     return 1;
@@ -277,22 +322,34 @@ ZRPATHAPI int32_t ZrPathBumpIt(int32_t profile, double width, PATHBUF normalMap,
                                int32_t scale, int32_t floatNormals, PATHBUF source, int32_t reflect, PATHBUF mask,
                                PATHBUF flatMask)
 {
-    const WRAP wrap = {
-        normalMap,         target, source, mask,         flatMask,
-        nullptr,           1,      0,      floatNormals, SurfaceForm(width, profile, invert, scale, reflect),
-        0.6366199048125918};
-    return WrapAround(&wrap);
+    const WRAP wrap = {normalMap,
+                       target,
+                       source,
+                       mask,
+                       flatMask,
+                       nullptr,
+                       0,
+                       floatNormals,
+                       SurfaceForm(width, profile, invert, scale, reflect),
+                       0.6366199048125918};
+    return WrapAround<1>(&wrap);
 }
 
 ZRPATHAPI int32_t ZrPathReflectIt(int32_t profile, double width, PATHBUF normalMap, PATHBUF target, int32_t invert,
                                   int32_t scale, int32_t floatNormals, PATHBUF source, int32_t reflect, PATHBUF mask,
                                   PATHBUF flatMask, int32_t bumpPercent, PATHBUF bumpMap)
 {
-    const WRAP wrap = {
-        normalMap,         target, source,      mask,         flatMask,
-        bumpMap,           3,      bumpPercent, floatNormals, SurfaceForm(width, profile, invert, scale, reflect),
-        0.6365372374283896};
-    return WrapAround(&wrap);
+    const WRAP wrap = {normalMap,
+                       target,
+                       source,
+                       mask,
+                       flatMask,
+                       bumpMap,
+                       bumpPercent,
+                       floatNormals,
+                       SurfaceForm(width, profile, invert, scale, reflect),
+                       0.6365372374283896};
+    return WrapAround<3>(&wrap);
 }
 
 } // extern "C"

@@ -318,20 +318,68 @@ TEST(Environment, NullBuffersGiveZeroAndAnEmptySourceWritesNothing)
     EXPECT_EQ(200, t[0]);
 }
 
+/* Neighbouring corners far apart on a large source: boxes that are worth a table of sums. */
+void Roughen(LEVEL *s)
+{
+    std::mt19937 engine(7);
+    for (int i = 0; i < s->normals.w * s->normals.h; i++) {
+        const SURFVEC16 v = {int16_t(int(engine() % 3600) - 1800), int16_t(int(engine() % 3600) - 1800), 0, 0};
+        memcpy(s->normals.buf + i * 8, &v, 8);
+    }
+}
+
 TEST(Environment, WithoutMemoryNothingIsWrittenOrLeakedAndSumsAreDoneWithout)
 {
-    LEVEL s(10, 10, 20, 20), good(10, 10, 20, 20);
-    Fast(good.Case(), good.target, 1);
+    LEVEL s(16, 16, 200, 200, 3), good(16, 16, 200, 200, 3), plain(16, 16, 200, 200, 3);
+    for (LEVEL *each : {&s, &good, &plain}) Roughen(each);
+    Plain(plain.Case(), plain.target, 3);
+    Fast(good.Case(), good.target, 3);
+    EXPECT_EQ(0, memcmp(good.target.buf, plain.target.buf, s.target.Bytes()));
     const int64_t live = FaultLiveBlocks(ALLOC_BUF);
     FaultSet(ALLOC_BUF, 1);
-    EXPECT_EQ(0, Fast(s.Case(), s.target, 1));
+    EXPECT_EQ(0, Fast(s.Case(), s.target, 3));
     EXPECT_EQ(200, s.target.buf[0]);
     FaultSet(ALLOC_BUF, 2); /* the sums */
-    EXPECT_EQ(1, Fast(s.Case(), s.target, 1));
+    EXPECT_EQ(1, Fast(s.Case(), s.target, 3));
     EXPECT_TRUE(FaultStruck());
     EXPECT_EQ(0, memcmp(good.target.buf, s.target.buf, s.target.Bytes()));
     FaultSet(ALLOC_BUF, 0);
     EXPECT_EQ(live, FaultLiveBlocks(ALLOC_BUF));
+}
+
+TEST(Environment, AnImageThatMirrorsItselfIsReadAsItChanges)
+{
+    LEVEL fast(24, 24, 24, 24, 3), plain(24, 24, 24, 24, 3);
+    for (LEVEL *each : {&fast, &plain}) {
+        Roughen(each);
+        memcpy(each->target.buf, each->source.buf, each->target.Bytes());
+    }
+    CASE f = fast.Case(), p = plain.Case();
+    f.source = &fast.target;
+    p.source = &plain.target;
+    Fast(f, fast.target, 3);
+    Plain(p, plain.target, 3);
+    EXPECT_EQ(0, memcmp(fast.target.buf, plain.target.buf, fast.target.Bytes()));
+}
+
+TEST(Environment, BuffersOfSmallerPixelsAreLeftAlone)
+{
+    LEVEL s(6, 6, 8, 8); /* grey where colour is wanted */
+    EXPECT_EQ(1, Fast(s.Case(), s.target, 3));
+    EXPECT_EQ(200, s.target.buf[0]);
+}
+
+TEST(Environment, AWidthThatIsNoNumberIsSafe)
+{
+    for (double width : {double(NAN), double(INFINITY), -1.0, 0.0, 1e300, 1e-300}) {
+        LEVEL fast(9, 9, 30, 30), plain(9, 9, 30, 30);
+        for (LEVEL *each : {&fast, &plain}) Roughen(each);
+        CASE f = fast.Case(), p = plain.Case();
+        f.width = p.width = width;
+        EXPECT_EQ(1, Fast(f, fast.target, 1));
+        Plain(p, plain.target, 1);
+        EXPECT_EQ(0, memcmp(fast.target.buf, plain.target.buf, fast.target.Bytes())) << width;
+    }
 }
 
 /* ---- glass ---- */

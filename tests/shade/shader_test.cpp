@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstring>
 #include <gtest/gtest.h>
+#include <limits>
 
 using namespace zr32;
 
@@ -435,6 +436,74 @@ TEST(Shader, ASpotOfSeveralLightsHangsOnASphere)
             EXPECT_NEAR(std::min(wanted, 255), middle, 1);
         }
     }
+}
+
+/* ---- what no caller should bring ---- */
+
+TEST(Shader, AMetalPixelWithoutASurfaceLeavesItsAmbientColourAndTintBehind)
+{
+    KnownState();
+    SCENE s(1, 1);
+    memset(s.image, 50, 3);
+    s.tintMap[0] = 9;
+    ZrPathShadeMetallic(s.image, 8, 0, 0, 0, 1, s.distance, s.normals, 0, s.mask, nullptr, 0, 0, 0, 0, 0, 1, 0xFFFFFF,
+                        s.tintMap, 0, 0, nullptr);
+    EXPECT_EQ(50, s.image[0]);
+    EXPECT_EQ(40, METALLIGHTS.metalBase[0]); /* 0.8 x 50 */
+    EXPECT_EQ(9, METALLIGHTS.specularTint[0]);
+    EXPECT_EQ(0, METALLIGHTS.specularTint[1]);
+}
+
+TEST(Shader, BuffersOfSmallerPixelsCountAsEmpty)
+{
+    KnownState();
+    SCENE s(5, 4);
+    PATHBUF small = ZrPathBufAlloc(8, 5, 4);
+    memset(small, 77, 20);
+    EXPECT_EQ(1, ZrPathShadePhong(small, 8, 0, 0, 0, 0, s.distance, s.normals, 0, s.mask, nullptr, 0, 0, 0, -a, -a, a,
+                                  0, 0, 0, nullptr));
+    for (int i = 0; i < 20; i++) EXPECT_EQ(77, small[i]);
+    /* Planes without a record: level, of distance 0. */
+    EXPECT_EQ(1, ZrPathShadePhong(s.image, 8, 0, 0, 0, 0, small, small, 0, s.mask, nullptr, 0, 0, 0, -a, -a, a, 0, 0, 0,
+                                  nullptr));
+    EXPECT_EQ(LevelValue(100), s.image[0]);
+    ZrPathBufFree(small);
+}
+
+TEST(Shader, AnyFactorPositionAndDirectionIsSafe)
+{
+    const int32_t extremes[] = {INT32_MIN, -1000, -1, 0, 1, 1000, INT32_MAX};
+    const double directions[] = {
+        0.0, -1.0, 1e-310, 1e300, std::numeric_limits<double>::infinity(), std::numeric_limits<double>::quiet_NaN()};
+    for (int32_t value : extremes)
+        for (double z : directions)
+            for (int multi = 0; multi < 2; multi++) {
+                const int32_t four[4] = {value, value, value, value};
+                const uint32_t colours[4] = {0xFFFFFF, 0, 0xFF, 0xFFFFFF};
+                ZrPathAdjPhongIllum(four, four, 0xFFFFFF, colours, multi ? 0 : 1, value);
+                ZrPathAdjMetallicIllum(four, four, multi ? 0 : 1, value);
+                SCENE s(6, 4);
+                for (int i = 0; i < 24; i++) {
+                    s.SetVector(i % 6, i / 6, {int16_t(i * 90), int16_t(500 - i * 40), int16_t(i * 88), 500});
+                    s.flat[i] = uint8_t(i * 31);
+                    s.mask[i] = uint8_t(i * 17);
+                }
+                const double lights[12] = {0, z, z, z, 0, z, z, z, 0, 1, 1, z};
+                const int32_t on[4] = {1, 0, 1, 0};
+                const int32_t places[8] = {value, value, 0, 0, 50, value, 0, 0};
+                if (multi) {
+                    ZrPathShadeMultiPhong(s.image, 8, 100, 0, value, 0, s.distance, s.normals, 1, s.mask, s.flat, 4, on,
+                                          places, lights, 0, 1, value, s.bump);
+                    ZrPathShadeMultiMetallic(s.image, 8, 104, 0, value, 0, s.distance, s.normals, 1, s.mask, s.flat, 4,
+                                             on, places, lights, 0x123456, s.tintMap, 1, value, s.bump);
+                } else {
+                    ZrPathShadePhong(s.image, 8, 100, 1, value, 0, s.distance, s.normals, 1, s.mask, s.flat, 1, value,
+                                     value, 0, z, z, 1, 1, value, s.bump);
+                    ZrPathShadeMetallic(s.image, 8, 104, 1, value, 0, s.distance, s.normals, 1, s.mask, s.flat, 1,
+                                        value, value, 0, z, z, 0x123456, s.tintMap, 1, value, s.bump);
+                }
+            }
+    KnownState();
 }
 
 } // namespace
