@@ -57,7 +57,16 @@ typedef struct VMAPPROGRESS {
  *                 unchanged on return
  *   progress      may be null
  *   zoom          map pixels a path unit
- * The caller frees the planes with ZrPathBufFree. 1; 0 on failure or abort. An aborted map has both planes 0. */
+ * A sweep walks the whole table chain that path belongs to, but for its last record; a chain is therefore made with a
+ * record behind it, such as its envelope's frame. Without a mask the join chain behind path counts.
+ * The caller frees the planes with ZrPathBufFree, and the record of the progress stays the caller's.
+ *
+ * Result: 1; also for a width of 0, or without an envelope record in envelope mode: the planes are then zero-filled.
+ * 0, with both planes 0: a null path or width, a mask that is missing, or a pass that the callback has stopped (error
+ * 5200). A pass without a mask gives 1 even when it was stopped: null planes tell.
+ * 0, with planes zero-filled: an outset without useMask. 0 with error 1001: a plane could not be had; *distOut is 0.
+ * 0, with the handles left alone and no callback: no memory for the outline without a mask.
+ * Code 4 is sent in every case but those two that come before the planes. */
 ZRPATHAPI int32_t ZrPathVMap(PATHREC *path, PATHBUF *distOut, PATHBUF *offsetOut, int32_t evenOdd, int32_t fixedHeight,
                              int32_t envelopeMode, int32_t outset, int32_t noMitre, double *width, int32_t floatVectors,
                              int32_t useMask, PATHBUF mask, VMAPPROGRESS *progress, ZRFIXED zoom);

@@ -80,7 +80,52 @@ static void CastRim(const SWEEP *sweep, double reach, RAYPIXEL *last)
     }
 }
 
-/* What the inner loop needs lies in locals, out of reach of the stores into the planes. */
+/* A position of a ray and its pixel. */
+struct RAYPOSITION {
+    POINTDB q;
+    RAYPIXEL pixel;
+};
+
+/* Positions are taken in runs, as a ray's steps from pixel to pixel are too irregular to be guessed: of a run that lies
+ * on the raster as a whole those that enter a pixel are picked out first, without a branch, then written. */
+constexpr int runLength = 16;
+
+/* Of so many positions from t on those that enter a pixel; gives their number. */
+static int PickEntries(const POINTDB &p, const POINTDB &n, double t, double step, int positions, RAYPIXEL *last,
+                       RAYPOSITION *entries)
+{
+    int count = 0;
+    for (int i = 0; i < positions; i++, t += step) {
+        const POINTDB q = p + n * t;
+        const RAYPIXEL pixel = {static_cast<int32_t>(q.x), static_cast<int32_t>(q.y)};
+        entries[count] = {q, pixel};
+        count += static_cast<int>(pixel.x != last->x) | static_cast<int>(pixel.y != last->y);
+        *last = pixel;
+    }
+    return count;
+}
+
+static void WriteInterior(const SWEEP *sweep, const RAYPOSITION *entries, int count)
+{
+    const POINTDB p = sweep->p;
+    const POINTDB n = sweep->n;
+    const int onCurve = sweep->onCurve;
+    const int elsewhere = sweep->elsewhere;
+    const size_t stride = static_cast<size_t>(sweep->planes.width);
+    float *const dist = sweep->planes.dist;
+    SURFVEC16 *const vectors = sweep->planes.vectors;
+    for (int i = 0; i < count; i++) {
+        const POINTDB q = entries[i].q;
+        const RAYPIXEL pixel = entries[i].pixel;
+        size_t index = static_cast<size_t>(pixel.y) * stride + static_cast<size_t>(pixel.x);
+        if (elsewhere && !SweepPlanePixel(sweep, q, &index)) continue;
+        const POINTDB v = OffsetToFoot(q, pixel.x, pixel.y, p, n);
+        const double lengthSq = Dot(v, v);
+        if (dist) MergeDistance(lengthSq, dist + index);
+        if (vectors) MergeRayVector(v, lengthSq, onCurve, vectors + index);
+    }
+}
+
 static void CastInterior(const SWEEP *sweep, double reach, RAYPIXEL last)
 {
     const POINTDB p = sweep->p;
@@ -88,27 +133,19 @@ static void CastInterior(const SWEEP *sweep, double reach, RAYPIXEL last)
     const double step = sweep->rayStep;
     const double width = sweep->width;
     const double height = sweep->height;
-    const int onCurve = sweep->onCurve;
-    float *const dist = sweep->planes.dist;
-    SURFVEC16 *const vectors = sweep->planes.vectors;
-    const size_t stride = static_cast<size_t>(sweep->planes.width);
-    const int elsewhere = sweep->elsewhere;
-    for (double t = RayEntry(p, n, step, step, width, height); t <= reach; t += step) {
+    RAYPOSITION entries[runLength];
+    for (double t = RayEntry(p, n, step, step, width, height); t <= reach;) {
         const POINTDB q = p + n * t;
         if (!RayOnRaster(q, width, height)) {
             if (RayHasLeft(q, n, width, height)) return;
+            t += step;
             continue;
         }
-        const int32_t px = static_cast<int32_t>(q.x);
-        const int32_t py = static_cast<int32_t>(q.y);
-        if (px == last.x && py == last.y) continue;
-        last = {px, py};
-        size_t index = static_cast<size_t>(py) * stride + static_cast<size_t>(px);
-        if (elsewhere && !SweepPlanePixel(sweep, q, &index)) continue;
-        const POINTDB v = OffsetToFoot(q, px, py, p, n);
-        const double lengthSq = Dot(v, v);
-        if (dist) MergeDistance(lengthSq, dist + index);
-        if (vectors) MergeRayVector(v, lengthSq, onCurve, vectors + index);
+        int positions = runLength;
+        if (t + (runLength - 1) * step > reach) positions = static_cast<int>((reach - t) / step) + 1;
+        if (!RayOnRaster(p + n * (t + (positions - 1) * step), width, height)) positions = 1;
+        WriteInterior(sweep, entries, PickEntries(p, n, t, step, positions, &last, entries));
+        t += positions * step;
     }
 }
 
