@@ -34,7 +34,7 @@ int main(int argc, char **argv)
     std::filesystem::create_directories(directory, ignored);
     session::EDITOR editor;
     bevel::PICTURE image = bevel::PictureLandscape(session::sceneWidth, session::sceneHeight);
-    for (uint8_t &byte : image.bytes) byte = static_cast<uint8_t>(192 + byte / 4); /* pale, so that XOR shows dark */
+    for (uint8_t &b : image.bytes) b = static_cast<uint8_t>(192 + b / 4); /* pale, so that XOR shows dark */
     if (!session::EditorOpen(session::sceneWidth, session::sceneHeight, image.bytes.data(), &editor)) return 1;
 
     int failures = 0;

@@ -20,9 +20,9 @@ namespace zr32 {
 /* One BufAlloc block. */
 struct URRECORD {
     uint32_t action;
-    URRECORD *next;      /* next newer record */
-    uint32_t count;      /* words in use */
-    uint32_t ownsPoints; /* 1: words are the number of points (4 or 8) and the address of a block of them */
+    URRECORD *next;  /* next newer record */
+    uint32_t count;  /* words in use */
+    POINTFX *points; /* an envelope's frame, a BufAlloc block that the words tell too: number of points, address */
     uintptr_t words[];
 };
 

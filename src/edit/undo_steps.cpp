@@ -42,12 +42,12 @@ void StoreFrame(const FRAMEPOINTS &frame, URRECORD *record)
 {
     record->words[0] = frame.count;
     record->words[1] = reinterpret_cast<uintptr_t>(frame.points);
-    record->ownsPoints = 1;
+    record->points = frame.points;
 }
 
 FRAMEPOINTS StoredFrame(const URRECORD *record)
 {
-    return {static_cast<uint32_t>(record->words[0]), reinterpret_cast<POINTFX *>(record->words[1])};
+    return {static_cast<uint32_t>(record->words[0]), record->points};
 }
 
 /* The undistorted rectangle: the opposite sides stand above each other, and each is level. */
@@ -117,7 +117,7 @@ int UREnvelopeApply(PATHREC *active, const PATHREC *frame, URRECORD *record)
 {
     FRAMEPOINTS present;
     int noMemory;
-    if (!record->ownsPoints) return 1;
+    if (!record->points) return 1;
     if (!ReadFrame(frame, &present, &noMemory)) return !noMemory; /* without a frame the step counts all the same */
     const FRAMEPOINTS stored = StoredFrame(record);
     StoreFrame(present, record);
@@ -128,9 +128,8 @@ int UREnvelopeApply(PATHREC *active, const PATHREC *frame, URRECORD *record)
 
 void URFreePoints(URRECORD *record)
 {
-    if (!record->ownsPoints) return;
-    BufFree(StoredFrame(record).points);
-    record->ownsPoints = 0;
+    BufFree(record->points);
+    record->points = nullptr;
 }
 
 } // namespace zr32

@@ -29,8 +29,8 @@ const struct {
      {{6, -32768, -32768}, {0x8002, 32767.9, -32768}, {0x8004, 32767, 32767}, {4, -32768, 32767}, {4, 0, 0}}},
 };
 
-constexpr FIXED most = std::numeric_limits<FIXED>::max();
-constexpr FIXED least = std::numeric_limits<FIXED>::min();
+constexpr ZRFIXED most = std::numeric_limits<ZRFIXED>::max();
+constexpr ZRFIXED least = std::numeric_limits<ZRFIXED>::min();
 
 /* Every edit once, on a record that is selected in one of the ways. */
 void EditEverything(DOCUMENT &doc, PATHREC *path)
@@ -38,9 +38,9 @@ void EditEverything(DOCUMENT &doc, PATHREC *path)
     CANVAS canvas(50, 50);
     tagRECT dirty;
     PATHREC *copy = nullptr;
-    const POINTFX frame[8] = {{least, most}, {most, least},  {0, 0}, {most, most},
-                              {1, 1},        {least, least}, {5, 5}, {most, 0}};
-    POINTFX read[8];
+    const ZRPOINTFX frame[8] = {{least, most}, {most, least},  {0, 0}, {most, most},
+                                {1, 1},        {least, least}, {5, 5}, {most, 0}};
+    ZRPOINTFX read[8];
     for (const int32_t action : {UR_SELECTION, UR_MOVE, UR_JOIN, UR_ENVELOPE}) ZrPathBackupAction(1, action, doc.table);
     ZrPathMovePaths(path, doc.view, 3, -3);
     ZrPathMovePathsByPtfx(path, most, least);

@@ -147,7 +147,7 @@ TEST(DeleteNodes, FourNodesOrFewerGoAsAWhole)
 TEST(DeleteNodes, AnEnvelopesOutlineGoesAsAWhole)
 {
     DOCUMENT doc;
-    const POINTFX frame[8] = {};
+    const ZRPOINTFX frame[8] = {};
     PATHREC *a = doc.Add(MakeBox(0, 0, 5, 5));
     ZrPathAddBiBezierEnvelope(a, frame);
     ZrPathAssignSelectedPathBlindly(doc.table, a);

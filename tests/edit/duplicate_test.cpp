@@ -103,7 +103,7 @@ TEST(Duplicate, BlocksAreCopiedWhole)
 {
     DOCUMENT doc;
     PATHREC *a = ZrPathCreate();
-    const POINTFX point = {65536, 65536};
+    const ZRPOINTFX point = {65536, 65536};
     ZrPathAddPoint(&a, &point, 6);
     doc.Add(a);
     doc.Select({a});

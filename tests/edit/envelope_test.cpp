@@ -10,13 +10,13 @@ using namespace zr32test;
 
 namespace {
 
-constexpr POINTFX Pt(int x, int y)
+constexpr ZRPOINTFX Pt(int x, int y)
 {
     return {x * 65536, y * 65536};
 }
 
-constexpr POINTFX corners[] = {Pt(0, 1), Pt(10, 2), Pt(3, 20), Pt(14, 25)};
-constexpr POINTFX sides[] = {Pt(0, 1), Pt(3, 2), Pt(6, 3), Pt(9, 4), Pt(1, 20), Pt(4, 21), Pt(7, 22), Pt(11, 23)};
+constexpr ZRPOINTFX corners[] = {Pt(0, 1), Pt(10, 2), Pt(3, 20), Pt(14, 25)};
+constexpr ZRPOINTFX sides[] = {Pt(0, 1), Pt(3, 2), Pt(6, 3), Pt(9, 4), Pt(1, 20), Pt(4, 21), Pt(7, 22), Pt(11, 23)};
 
 } // namespace
 
@@ -116,7 +116,7 @@ TEST(Envelope, AGetThenAddLeavesTheNodesAsTheyWere)
 {
     DOCUMENT doc;
     PATHREC *a = doc.Add(MakeBox(0, 0, 10, 10));
-    POINTFX read[8];
+    ZRPOINTFX read[8];
 
     ZrPathAddBiBezierEnvelope(a, sides);
     std::vector<NODEVALUE> before = NodesOf(a->nextPath);
@@ -135,7 +135,7 @@ TEST(Envelope, AGetThenAddLeavesTheNodesAsTheyWere)
 
 TEST(Envelope, TheGettersRefuseNullUnselectedAndTooShort)
 {
-    POINTFX read[8];
+    ZRPOINTFX read[8];
     PATHREC *path = MakePath({{6, 0, 0}, {2, 1, 1}, {2, 2, 2}});
     EXPECT_EQ(ZrPathGetBiLinearEnvelope(nullptr, read), 0);
     EXPECT_EQ(ZrPathGetBiBezierEnvelope(nullptr, read), 0);

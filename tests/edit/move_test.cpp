@@ -11,15 +11,15 @@ namespace {
 
 constexpr PATHNODE At(uint16_t type, double x, double y)
 {
-    return {type, static_cast<FIXED>(x * 65536), static_cast<FIXED>(y * 65536)};
+    return {type, static_cast<ZRFIXED>(x * 65536), static_cast<ZRFIXED>(y * 65536)};
 }
 
 void ExpectNode(const PATHREC *path, uint32_t index, double x, double y)
 {
     const PATHNODE node = path->nodes[index];
     const PATHNODE want = At(node.type, x, y);
-    EXPECT_EQ(FIXED{node.x}, FIXED{want.x}) << "x of node " << index;
-    EXPECT_EQ(FIXED{node.y}, FIXED{want.y}) << "y of node " << index;
+    EXPECT_EQ(ZRFIXED{node.x}, ZRFIXED{want.x}) << "x of node " << index;
+    EXPECT_EQ(ZRFIXED{node.y}, ZRFIXED{want.y}) << "y of node " << index;
 }
 
 COORDSTRUCT ViewAtZoom(int32_t zoom)
@@ -126,8 +126,8 @@ TEST(Move, ViewPixelsAreCutTowardsZero)
     PAIR p;
     const COORDSTRUCT view = ViewAtZoom(3);
     ZrPathMovePaths(p.a, &view, 1, -1);
-    EXPECT_EQ(FIXED{p.a->nodes[0].x}, 21845); /* 65536 / 3 = 21845.33 */
-    EXPECT_EQ(FIXED{p.a->nodes[0].y}, -21845);
+    EXPECT_EQ(ZRFIXED{p.a->nodes[0].x}, 21845); /* 65536 / 3 = 21845.33 */
+    EXPECT_EQ(ZRFIXED{p.a->nodes[0].y}, -21845);
 }
 
 TEST(Move, ShapesStayAndAllThreeNodesOfACurveFollow)
@@ -173,9 +173,9 @@ TEST(Move, ACurveCutShortAndAnUnknownKindEndTheWalk)
 TEST(Move, SumsWrapAround)
 {
     PATHREC *path = MakePath({{6, 0, 0}});
-    path->nodes[0].x = std::numeric_limits<FIXED>::max();
+    path->nodes[0].x = std::numeric_limits<ZRFIXED>::max();
     ZrPathMovePathsByPtfx(path, 1, 0);
-    EXPECT_EQ(FIXED{path->nodes[0].x}, std::numeric_limits<FIXED>::min());
+    EXPECT_EQ(ZRFIXED{path->nodes[0].x}, std::numeric_limits<ZRFIXED>::min());
     ZrPathDeletePtr(path, 0);
 }
 
@@ -206,7 +206,7 @@ TEST(Size, AFactorThatIsNotANumberIsSafe)
 {
     PAIR p;
     EXPECT_EQ(ZrPathSize(p.a, std::numeric_limits<double>::quiet_NaN(), 1e300), 1);
-    EXPECT_EQ(FIXED{p.a->nodes[1].x}, 0);
+    EXPECT_EQ(ZRFIXED{p.a->nodes[1].x}, 0);
 }
 
 TEST(Offset, ToTheOriginLeavesTheBoxOfTheNodesAtFive)

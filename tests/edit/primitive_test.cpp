@@ -199,7 +199,7 @@ TEST(Primitive, AWarpEndsIt)
 {
     const PRIMITIVE p(ZRPRIM_ELLIPSE, {0, 0, 200, 100});
     EXPECT_EQ(IsOnlyPrimitive(p.path), 1);
-    const POINTFX frame[] = {{0, 0}, {65536, 0}, {0, 65536}, {65536, 65536}};
+    const ZRPOINTFX frame[] = {{0, 0}, {65536, 0}, {0, 65536}, {65536, 65536}};
     ZrPathBiLinear(p.path, frame);
     EXPECT_EQ(IsOnlyPrimitive(p.path), 0);
 }

@@ -41,7 +41,7 @@ struct EDITOR {
     {
         return Chance(8) ? nullptr : canvas.dc;
     }
-    FIXED Fixed()
+    ZRFIXED Fixed()
     {
         return Number(-150 * 65536, 150 * 65536);
     }
@@ -209,8 +209,8 @@ void CopyAside(EDITOR &e)
 
 void Envelope(EDITOR &e)
 {
-    POINTFX points[8];
-    for (POINTFX &p : points) p = {e.Fixed(), e.Fixed()};
+    ZRPOINTFX points[8];
+    for (ZRPOINTFX &p : points) p = {e.Fixed(), e.Fixed()};
     PATHREC *path = e.SelectedOrAny();
     switch (e.Number(0, 5)) {
     case 0: ZrPathBiLinear(path, points); break;

@@ -75,7 +75,7 @@ TEST(Sample, TheGroupsWithoutText)
     const PATHREC *second = first->nextPath;
     EXPECT_EQ(first->nextJoin, second);
     EXPECT_EQ(second->prevJoin, first);
-    const double turn = static_cast<FIXED>(0.5235987 * 65536) / 65536.0;
+    const double turn = static_cast<ZRFIXED>(0.5235987 * 65536) / 65536.0;
     EXPECT_EQ(NodesOf(first), (NODES{{6, 200, 200}, {0x100, 700, 600}, {0, -turn, 0}}));
     EXPECT_EQ(NodesOf(second), (NODES{{6, 200, 200}, {0x101, 700, 600}, {0, turn, 0}}));
     EXPECT_EQ(first->flags, 0u);

@@ -234,7 +234,7 @@ TEST_F(UndoList, WithoutMemoryTheListStaysAsItWas)
 {
     DOCUMENT doc;
     PATHREC *a = doc.Add(MakeBox(3, 4, 10, 10));
-    const POINTFX frame[4] = {};
+    const ZRPOINTFX frame[4] = {};
     ZrPathAddBiLinearEnvelope(a, frame);
     ZrPathAssignSelectedPathBlindly(doc.table, a);
     ZrPathBackupAction(1, UR_JOIN, nullptr);

@@ -331,15 +331,17 @@ TEST_F(UndoJoin, WithoutASelectionTheStepCounts)
 
 namespace {
 
-constexpr POINTFX Pt(int x, int y)
+constexpr ZRPOINTFX Pt(int x, int y)
 {
     return {x * 65536, y * 65536};
 }
 
-constexpr POINTFX square[] = {Pt(5, 5), Pt(46, 5), Pt(5, 46), Pt(46, 46)};
-constexpr POINTFX bent[] = {Pt(5, 5), Pt(90, 10), Pt(5, 46), Pt(60, 90)};
-constexpr POINTFX level[] = {Pt(5, 5), Pt(18, 5), Pt(32, 5), Pt(46, 5), Pt(5, 46), Pt(18, 46), Pt(32, 46), Pt(46, 46)};
-constexpr POINTFX arched[] = {Pt(5, 5), Pt(18, 0), Pt(32, 0), Pt(46, 5), Pt(5, 46), Pt(18, 60), Pt(32, 60), Pt(46, 46)};
+constexpr ZRPOINTFX square[] = {Pt(5, 5), Pt(46, 5), Pt(5, 46), Pt(46, 46)};
+constexpr ZRPOINTFX bent[] = {Pt(5, 5), Pt(90, 10), Pt(5, 46), Pt(60, 90)};
+constexpr ZRPOINTFX level[] = {Pt(5, 5),  Pt(18, 5),  Pt(32, 5),  Pt(46, 5),
+                               Pt(5, 46), Pt(18, 46), Pt(32, 46), Pt(46, 46)};
+constexpr ZRPOINTFX arched[] = {Pt(5, 5),  Pt(18, 0),  Pt(32, 0),  Pt(46, 5),
+                                Pt(5, 46), Pt(18, 60), Pt(32, 60), Pt(46, 46)};
 
 } // namespace
 
@@ -390,7 +392,7 @@ TEST_F(UndoEnvelope, ABicubicFrameThatIsARectangleOnlyWritesTheOutline)
     ZrPathAddBiBezierEnvelope(path, arched);
     const std::vector<NODEVALUE> archedPath = NodesOf(path);
     EXPECT_EQ(ZrPathUndo(key, other.table, other.view, nullptr), 1);
-    POINTFX read[8];
+    ZRPOINTFX read[8];
     ZrPathGetBiBezierEnvelope(frame, read);
     EXPECT_EQ(memcmp(read, level, sizeof level), 0);
     EXPECT_EQ(NodesOf(path), archedPath) << "the undistorted rectangle warps nothing";
@@ -405,7 +407,7 @@ TEST_F(UndoEnvelope, ARectangleNeedsLevelSidesThatStandAboveEachOther)
     const struct {
         const char *name;
         int point;
-        POINTFX put;
+        ZRPOINTFX put;
         bool warps;
     } cases[] = {{"as it is", 0, level[0], false},
                  {"one top y", 2, Pt(32, 6), true},
@@ -416,7 +418,7 @@ TEST_F(UndoEnvelope, ARectangleNeedsLevelSidesThatStandAboveEachOther)
         FreeAllUndo();
         DOCUMENT other;
         PATHREC *path = other.Add(MakeBox(10, 10, 40, 40));
-        POINTFX frame[8];
+        ZRPOINTFX frame[8];
         std::copy(level, level + 8, frame);
         frame[each.point] = each.put;
         ZrPathAddBiBezierEnvelope(path, frame);

@@ -11,13 +11,13 @@ using namespace zr32test;
 
 namespace {
 
-constexpr POINTFX Pt(double x, double y)
+constexpr ZRPOINTFX Pt(double x, double y)
 {
-    return {static_cast<FIXED>(x * 65536), static_cast<FIXED>(y * 65536)};
+    return {static_cast<ZRFIXED>(x * 65536), static_cast<ZRFIXED>(y * 65536)};
 }
 
 /* The margin box of MakeBox(10, 20, 110, 70): left 5, top 15, right 116, bottom 76. */
-constexpr POINTFX sameFrame[] = {Pt(5, 15), Pt(116, 15), Pt(5, 76), Pt(116, 76)};
+constexpr ZRPOINTFX sameFrame[] = {Pt(5, 15), Pt(116, 15), Pt(5, 76), Pt(116, 76)};
 
 void ExpectNear(const PATHREC *path, const std::vector<NODEVALUE> &want, double within)
 {
@@ -54,7 +54,7 @@ TEST(Warp, BiLinearSpreadsAPointByItsPlaceInTheRectangle)
 {
     /* A lone node at (0, 0): box (-5, -5, 6, 6), so u = v = 5 / 11. */
     PATHREC *path = MakePath({{6, 0, 0}});
-    const POINTFX frame[] = {Pt(0, 0), Pt(110, 0), Pt(0, 220), Pt(110, 341)};
+    const ZRPOINTFX frame[] = {Pt(0, 0), Pt(110, 0), Pt(0, 220), Pt(110, 341)};
     EXPECT_EQ(ZrPathBiLinear(path, frame), 1);
     /* y = 220 v + 121 u v = 100 + 25 */
     ExpectNear(path, {{6, 50, 125}}, oneUnit);
@@ -63,11 +63,11 @@ TEST(Warp, BiLinearSpreadsAPointByItsPlaceInTheRectangle)
 
 TEST(Warp, StraightEvenlySpacedCubicsGiveTheBilinearResult)
 {
-    const POINTFX corners[] = {Pt(0, 10), Pt(300, 40), Pt(30, 200), Pt(270, 350)};
-    const POINTFX across[] = {Pt(0, 10),   Pt(100, 20),  Pt(200, 30),  Pt(300, 40),
-                              Pt(30, 200), Pt(110, 250), Pt(190, 300), Pt(270, 350)};
-    const POINTFX down[] = {Pt(0, 10),   Pt(10, 10 + 190.0 / 3),  Pt(20, 10 + 380.0 / 3),  Pt(30, 200),
-                            Pt(300, 40), Pt(290, 40 + 310.0 / 3), Pt(280, 40 + 620.0 / 3), Pt(270, 350)};
+    const ZRPOINTFX corners[] = {Pt(0, 10), Pt(300, 40), Pt(30, 200), Pt(270, 350)};
+    const ZRPOINTFX across[] = {Pt(0, 10),   Pt(100, 20),  Pt(200, 30),  Pt(300, 40),
+                                Pt(30, 200), Pt(110, 250), Pt(190, 300), Pt(270, 350)};
+    const ZRPOINTFX down[] = {Pt(0, 10),   Pt(10, 10 + 190.0 / 3),  Pt(20, 10 + 380.0 / 3),  Pt(30, 200),
+                              Pt(300, 40), Pt(290, 40 + 310.0 / 3), Pt(280, 40 + 620.0 / 3), Pt(270, 350)};
     PATHREC *linear = MakeCircle(50, 60, 40);
     PATHREC *cubic = MakeCircle(50, 60, 40);
     PATHREC *cubicV = MakeCircle(50, 60, 40);
@@ -87,7 +87,7 @@ TEST(Warp, ClearsPrimitiveOnTheWholeJoinChainAndMovesOnlyIt)
     PATHREC *c = doc.Add(MakeBox(50, 50, 60, 60));
     a->primitive = b->primitive = c->primitive = ZRPRIM_RECTANGLE;
     ChainLink(joinChain, a, b);
-    const POINTFX frame[] = {Pt(0, 0), Pt(10, 0), Pt(0, 10), Pt(10, 10)};
+    const ZRPOINTFX frame[] = {Pt(0, 0), Pt(10, 0), Pt(0, 10), Pt(10, 10)};
     EXPECT_EQ(ZrPathBiLinear(a, frame), 1);
     EXPECT_EQ(a->primitive, 0);
     EXPECT_EQ(b->primitive, 0);
@@ -98,7 +98,7 @@ TEST(Warp, ClearsPrimitiveOnTheWholeJoinChainAndMovesOnlyIt)
 
 TEST(Warp, TwiceDiffersFromOnceSinceTheSourceRectangleHasMoved)
 {
-    const POINTFX frame[] = {Pt(0, 0), Pt(200, 20), Pt(10, 100), Pt(180, 150)};
+    const ZRPOINTFX frame[] = {Pt(0, 0), Pt(200, 20), Pt(10, 100), Pt(180, 150)};
     PATHREC *once = MakeBox(10, 20, 110, 70);
     PATHREC *twice = MakeBox(10, 20, 110, 70);
     ZrPathBiLinear(once, frame);
@@ -120,7 +120,7 @@ TEST(Warp, ShapeNodesAreNotWarped)
                               {0x400, 5, 2},
                               {0, 9, 9},
                               {2, 50, 50}});
-    const POINTFX frame[] = {Pt(0, 0), Pt(1, 0), Pt(0, 1), Pt(1, 1)};
+    const ZRPOINTFX frame[] = {Pt(0, 0), Pt(1, 0), Pt(0, 1), Pt(1, 1)};
     ZrPathBiLinear(path, frame);
     const std::vector<NODEVALUE> nodes = NodesOf(path);
     EXPECT_EQ(nodes[1], (NODEVALUE{0x200, 50, 50}));
@@ -146,10 +146,10 @@ TEST(Warp, NullIsRefused)
 
 TEST(Warp, ExtremeFramesAndEmptyRecordsAreSafe)
 {
-    constexpr FIXED most = std::numeric_limits<FIXED>::max();
-    constexpr FIXED least = std::numeric_limits<FIXED>::min();
-    const POINTFX frame[] = {{least, least}, {most, least}, {least, most}, {most, most},
-                             {most, most},   {least, most}, {most, least}, {least, least}};
+    constexpr ZRFIXED most = std::numeric_limits<ZRFIXED>::max();
+    constexpr ZRFIXED least = std::numeric_limits<ZRFIXED>::min();
+    const ZRPOINTFX frame[] = {{least, least}, {most, least}, {least, most}, {most, most},
+                               {most, most},   {least, most}, {most, least}, {least, least}};
     for (PATHREC *path : {MakePath({}), MakeBox(-32768, -32768, 32767, 32767)}) {
         EXPECT_EQ(ZrPathBiLinear(path, frame), 1);
         EXPECT_EQ(ZrPathBiCubic(path, frame), 1);
@@ -163,8 +163,8 @@ TEST(Warp, RandomFramesAgreeWithTheBernsteinForm)
     std::mt19937 random(1);
     std::uniform_real_distribution<double> place(-2000, 2000);
     for (int round = 0; round < 200; round++) {
-        POINTFX frame[8];
-        for (POINTFX &p : frame) p = Pt(place(random), place(random));
+        ZRPOINTFX frame[8];
+        for (ZRPOINTFX &p : frame) p = Pt(place(random), place(random));
         PATHREC *path = MakePath({{6, place(random), place(random)},
                                   {2, place(random), place(random)},
                                   {4, place(random), place(random)},
@@ -174,7 +174,7 @@ TEST(Warp, RandomFramesAgreeWithTheBernsteinForm)
         tagRECT box;
         ZrPathGetMiniMaxRect(path, fixedOne, &box);
         const int vertical = round % 2;
-        const auto coord = [&](FIXED POINTFX::*m, double u, double v) {
+        const auto coord = [&](ZRFIXED ZRPOINTFX::*m, double u, double v) {
             const auto at = [&](int i) { return FixToDouble(frame[i].*m); };
             const double s = vertical ? v : u;
             const double from = Bernstein(at(0), at(1), at(2), at(3), s);
@@ -184,8 +184,8 @@ TEST(Warp, RandomFramesAgreeWithTheBernsteinForm)
         for (NODEVALUE &node : want) {
             const double u = (node.x - box.left) / (box.right - box.left);
             const double v = (node.y - box.top) / (box.bottom - box.top);
-            node.x = coord(&POINTFX::x, u, v);
-            node.y = coord(&POINTFX::y, u, v);
+            node.x = coord(&ZRPOINTFX::x, u, v);
+            node.y = coord(&ZRPOINTFX::y, u, v);
         }
         if (vertical)
             ZrPathBiCubicV(path, frame);
