@@ -1,6 +1,8 @@
 /* fragments.cpp - the pool of fragments, and the way to a pixel of the plane.
  *
  * Chunks double in size, so a number finds its chunk by its highest bit, and taking a fragment is a step of a counter.
+ *
+ * State: how large the last pool grew, for those who measure.
  */
 #include "render3d/fragments.h"
 
@@ -9,6 +11,8 @@
 namespace zr32 {
 
 namespace {
+
+uint32_t lastUsed = 0;
 
 struct POOLPLACE {
     uint32_t chunk;
@@ -59,8 +63,14 @@ void FragDrop(uint32_t number, FRAGPOOL *pool)
     pool->live--;
 }
 
+uint32_t FragPoolLastUsed()
+{
+    return lastUsed;
+}
+
 void FragPoolFree(FRAGPOOL *pool)
 {
+    lastUsed = pool->used;
     for (ABUFFRAG *chunk : pool->chunks)
         if (chunk) PathHeapFree(SurfaceHeap(), heapNoSerialize, chunk);
     *pool = {};

@@ -65,6 +65,9 @@ uint32_t FragTake(FRAGPOOL *pool);
 void FragDrop(uint32_t number, FRAGPOOL *pool);
 void FragPoolFree(FRAGPOOL *pool);
 
+/* How many fragments the pool that was freed last had given out at most. */
+uint32_t FragPoolLastUsed();
+
 ABUFFRAG *FragAt(const FRAGPOOL *pool, uint32_t number);
 
 /* The plane of one band. */
