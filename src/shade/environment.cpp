@@ -65,6 +65,7 @@ struct WRAPSTATE {
     int32_t centreX;
     int32_t centreY;
     double radius; /* of the scene, pixels */
+    int32_t halfHeight; /* of the source, as the next two */
     int32_t quarterWidth;
     int32_t quarterHeight;
     CORNERROW above; /* the upper and the lower edge of the row of pixels at hand */
@@ -141,7 +142,7 @@ CORNER CornerAt(const WRAPSTATE *st, const CORNERROW &row, int32_t col)
     if (wrap->floats) qx = qx / std::sqrt(1.0 - qy * qy);
     const double u = (1.0 - std::acos(qx) * 0.31830989161357204) * st->source.width;
     if (wrap->floats) qy = std::asin(qy) * wrap->latitudeFactor;
-    return {u, (qy + 1.0) * (st->source.height / 2), 1};
+    return {u, (qy + 1.0) * st->halfHeight, 1};
 }
 
 const CORNER &CornerOf(const WRAPSTATE *st, const CORNERROW &row, int32_t col)
@@ -297,7 +298,9 @@ template <size_t CHANNELS> int32_t WrapAround(const WRAP *wrap)
     if (st.target.pixelSize < CHANNELS || st.source.pixelSize < CHANNELS) return 1;
     st.centreX = st.target.width / 2;
     st.centreY = st.target.height / 2;
-    st.radius = static_cast<double>((int64_t{st.target.width} + st.target.height) / 2);
+    const int64_t radius = (int64_t{st.target.width} + st.target.height) / 2;
+    st.radius = static_cast<double>(radius);
+    st.halfHeight = st.source.height / 2;
     st.quarterWidth = st.source.width / 4;
     st.quarterHeight = st.source.height / 4;
     /* Sums of a source that changes under the hand would be those of before. */
