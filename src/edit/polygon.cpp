@@ -31,7 +31,6 @@ POINTDB PolygonCorner(const POLYGON *polygon, uint32_t k)
     const uint32_t n = polygon->count;
     k %= n;
     const POINTDB from = polygon->inward != 0 && k % 2 == 1 ? polygon->corner * polygon->inward : polygon->corner;
-    if (k == 0) return polygon->centre + from;
     if (2 * k == n) return polygon->centre - from;
     const double angle = 2 * k < n ? fullTurn * k / n : -(fullTurn * (n - k) / n);
     const double c = std::cos(angle);

@@ -58,6 +58,18 @@ TEST(Polygon, StarHasInnerCornersBetweenTheOuter)
     }
 }
 
+TEST(Polygon, CornersAreTurnedFromWhereverCornerZeroIs)
+{
+    POLYGON polygon;
+    ASSERT_TRUE(Read(4, 0, 13, 24, &polygon)); /* (3, 4) from the centre: a quarter turn leads to (-4, 3) */
+    EXPECT_EQ(PolygonCorner(&polygon, 0).x, 13);
+    EXPECT_EQ(PolygonCorner(&polygon, 0).y, 24);
+    EXPECT_NEAR(PolygonCorner(&polygon, 1).x, 6, 1e-4);
+    EXPECT_NEAR(PolygonCorner(&polygon, 1).y, 23, 1e-4);
+    EXPECT_NEAR(PolygonCorner(&polygon, 3).x, 14, 1e-4);
+    EXPECT_NEAR(PolygonCorner(&polygon, 3).y, 17, 1e-4);
+}
+
 TEST(Polygon, CornersComeInMirroredPairs)
 {
     for (int n = 3; n <= 12; n++)
