@@ -165,9 +165,8 @@ void Measure(benchmark::State &state, void (*run)(const SCENE &, const PASS &), 
         state.ResumeTiming();
         run(scene, pass);
     }
-    state.counters["time/px"] =
-        benchmark::Counter(static_cast<double>(pixels),
-                           benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+    state.counters["time/px"] = benchmark::Counter(
+        static_cast<double>(pixels), benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
     FreeScene(scene);
 }
 

@@ -1,5 +1,5 @@
-/* consumer.cpp - an installed library used from C++, its headers before the platform's own. Exit status 0 when a path is
- * flattened and read back. */
+/* consumer.cpp - an installed library used from C++, its headers before the platform's own. Exit status 0 when a path
+ * is flattened and read back. */
 #include <zr32path.h>
 #if defined(_WIN32)
 #include <windows.h>
