@@ -64,7 +64,7 @@ struct WRAPSTATE {
     double bumpScale;
     int32_t centreX;
     int32_t centreY;
-    double radius; /* of the scene, pixels */
+    double radius;      /* of the scene, pixels */
     int32_t halfHeight; /* of the source, as the next two */
     int32_t quarterWidth;
     int32_t quarterHeight;
