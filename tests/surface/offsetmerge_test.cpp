@@ -121,6 +121,8 @@ TEST(OffsetMerge, FansOfMitres)
         {"nearer by 2, second much nearer", {7680, 0, 0, -256}, {0, 4.0}, {0, 1024, 7680, 0}, {7680, 0, 0, -256}},
         {"nearer by 2, second much farther", {768, 0, 0, -2560}, {0, 1.0}, {0, 256, 768, 0}, {0, 256, 0, -2560}},
         {"equally far", {768, 0, 0, 0}, {0, 3.0}, {0, 768, 768, 0}, {0, 768, 768, 0}},
+        {"nearer by exactly 1.4", {768, 0, 0, 0}, {0, 1.6}, {0, 409, 768, 0}, {0, 409, 768, 0}},
+        {"farther by exactly 1.4", {256, 0, 0, 0}, {0, 2.4}, {256, 0, 0, 0}, {256, 0, 0, 0}},
     };
     for (const auto &c : cases) {
         SURFVEC16 inner = Pixel(c.old);
