@@ -84,7 +84,8 @@ ZRPATHAPI int32_t ZrPathOffsetExact(PATHREC *path, int16_t dx, int16_t dy);
 ZRPATHAPI int32_t ZrPathCenter(intptr_t unused, int32_t axis, PATHTBL *table, const COORDSTRUCT *view,
                                struct tagRECT *dirty);
 
-/* Joins the selected chain into one compound shape, or takes it apart. 1; 0 for a null or unselected record. */
+/* Joins the selected chain into one compound shape, or takes it apart. Each record leaves the shape that it was part
+ * of, which closes over it. 1; 0 for a null or unselected record. */
 ZRPATHAPI int32_t ZrPathJoin(PATHREC *path);
 ZRPATHAPI int32_t ZrPathDisjoin(PATHREC *path);
 
@@ -92,19 +93,22 @@ ZRPATHAPI int32_t ZrPathDisjoin(PATHREC *path);
 ZRPATHAPI int32_t ZrPathJoinAll(PATHREC *path);
 ZRPATHAPI int32_t ZrPathDisjoinAll(PATHREC *path);
 
-/* Deletes the marked nodes of a record in node editing that has more than 4 nodes, else the selected paths. 1; 0 when
- * nothing is selected. */
+/* Deletes the marked nodes of a record in node editing that has more than 4 nodes and is no envelope's outline (the
+ * head of the selection alone), else the selected paths. Of two marked neighbours one goes a call; a mark on the last
+ * anchor stands for the start, and the record begins with the next anchor and closes there. What goes is taken out of
+ * the display buffer; *dirty is empty without one. Needs no memory. 1; 0 when nothing is selected. */
 ZRPATHAPI int32_t ZrPathDelete(PATHTBL *table, COORDSTRUCT *view, struct tagRECT *dirty);
 
 /* ZrPathDelete without touching the display buffer; *dirty gets the selected path's margin box. Always 1. */
 ZRPATHAPI int32_t ZrPathDeleteLink(PATHTBL *table, COORDSTRUCT *view, struct tagRECT *dirty);
 
-/* Copies the selected chain within its table chain, 15 view pixels off; the copies are the new selection. 1; 0 when
- * nothing is selected or without memory. */
+/* Copies the selected chain behind its table chain, 15 view pixels off, and draws the copies, which are the new
+ * selection; copies are joined where both sources were selected. Marks of the sources are toggled off. 1; 0 when
+ * nothing is selected or without memory, nothing is then changed. */
 ZRPATHAPI int32_t ZrPathDuplicate(ZRHDC hdc, PATHTBL *table, const COORDSTRUCT *view, struct tagRECT *dirty);
 
-/* Copies path's whole table chain as a separate chain of the caller's. 1; 0 for null or on failure. *copy is null
- * when memory failed. */
+/* Copies path's whole table chain, with its join and selected chains, as a separate chain of the caller's. 1; 0 for
+ * null. Without memory *copy is null, with the result 0, or 1 when only the last record could not be had. */
 ZRPATHAPI int32_t ZrPathDuplicatePtr(const PATHREC *path, PATHREC **copy);
 
 /* ---- undo ---- */
@@ -122,7 +126,8 @@ enum {
 ZRPATHAPI int32_t ZrPathBackupAction(int32_t key, int32_t action, PATHTBL *table);
 
 /* Append to the list that the last keyed call loaded, without saving its position: the selected path's address; node 0
- * of the selected path; a selection snapshot. */
+ * of the selected path (nothing when there is none); a selection snapshot. The first two store the action code as it
+ * is given; codes other than UR_* are stepped over and never removed. */
 ZRPATHAPI int32_t BackupSelected(int32_t action, PATHTBL *table);
 ZRPATHAPI int32_t BackupSelectMove(int32_t action, PATHTBL *table);
 ZRPATHAPI int32_t BackupDuplicate(int32_t action, PATHTBL *table);
@@ -157,8 +162,10 @@ ZRPATHAPI int32_t ZrPathBiLinear(PATHREC *path, const ZRPOINTFX *points);
 ZRPATHAPI int32_t ZrPathBiCubic(PATHREC *path, const ZRPOINTFX *points);
 ZRPATHAPI int32_t ZrPathBiCubicV(PATHREC *path, const ZRPOINTFX *points);
 
-/* Write the frame's outline record behind the join chain, replacing what stands there. 1; 0 for a null record, without
- * memory, or when an existing record there has no room. */
+/* Write the frame's outline record behind the join chain (the Bezier form: the one that heads path's table chain),
+ * replacing what stands there; the group owns it. The Bezier form deselects the paths under the frame. Who should be
+ * selected is then the caller's to tell the group (ZrPathAssignSelectedPathBlindly). 1; 0 for a null argument, without
+ * memory, or when an existing record there has no room; nothing is then changed. */
 ZRPATHAPI int32_t ZrPathAddBiLinearEnvelope(PATHREC *path, const ZRPOINTFX *points);
 ZRPATHAPI int32_t ZrPathAddBiBezierEnvelope(PATHREC *path, const ZRPOINTFX *points);
 
@@ -222,7 +229,9 @@ typedef struct TEXTPARAM {
 ZRPATHAPI PATHBUF ZrPathCreateText(ZRHDC hdc, char *text, TEXTPARAM *param, PATHREC **path, struct tagRECT *rect);
 
 /* The pen tool: takes the messages of the drawing window (513 down, 514 up, 515 double-click, 512 move, 256 and 257
- * with wParam 27 for Esc) and builds a path with a rubber band on the device context. Always 1. */
+ * with wParam 27 for Esc; x and y on the window) and builds the group's selected path with a rubber band on the device
+ * context. A press without capture begins a path; the caller then sets the mouse capture, and a double-click that
+ * closes the path releases it. The path is not drawn into the display buffer. Always 1. */
 ZRPATHAPI int32_t ZrPathMouseProcDraw(ZRHDC hdc, PATHTBL *table, const COORDSTRUCT *view, uint32_t message,
                                       uintptr_t wParam, int32_t x, int32_t y);
 
