@@ -1,12 +1,10 @@
 /* fragments.cpp - the pool of fragments, and the way to a pixel of the plane.
  *
- * Chunks double in size, so a number finds its chunk by its highest bit, and taking a fragment is a step of a counter.
+ * Chunks double in size, so a number finds its chunk in a few steps, and taking a fragment is a step of a counter.
  *
  * State: how large the last pool grew, for those who measure.
  */
 #include "render3d/fragments.h"
-
-#include <bit>
 
 namespace zr32 {
 
@@ -22,7 +20,8 @@ struct POOLPLACE {
 POOLPLACE PlaceOf(uint32_t number)
 {
     const uint64_t n = static_cast<uint64_t>(number) - 1 + poolFirst;
-    const uint32_t chunk = static_cast<uint32_t>(std::bit_width(n / poolFirst)) - 1;
+    uint32_t chunk = 0;
+    while (n >> chunk >= 2 * static_cast<uint64_t>(poolFirst)) chunk++;
     return {chunk, static_cast<uint32_t>(n - (static_cast<uint64_t>(poolFirst) << chunk))};
 }
 

@@ -74,8 +74,8 @@ void WalkLine(RENDER *render, const SEGMENT *segment, SEGMENTWALK *walk)
     while (step.h > 1 && (ProjectedStep(render, from, from + step.d) > 1 || ProjectedStep(render, to - step.d, to) > 1))
         LineHalve(&step);
     if (step.h > 1) LineHalve(&step); /* within half a pixel */
-    for (int64_t t = 0; t < parameterEnd; t += step.h)
-        DrawAt(render, walk, from + step.d * static_cast<double>(t / step.h), to - from);
+    for (int64_t i = 0; i * step.h < parameterEnd; i++)
+        DrawAt(render, walk, from + step.d * static_cast<double>(i), to - from);
     DrawAt(render, walk, to, to - from);
 }
 

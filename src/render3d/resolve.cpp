@@ -8,7 +8,6 @@
 #include "render3d/fragments.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
 
 namespace zr32 {
@@ -21,7 +20,7 @@ ABUFFRAG scratch[maxFragments];
 enum CHANNEL { BLUE, GREEN, RED, ALPHA, CHANNELS };
 
 struct BLENDCOLOUR {
-    std::array<uint32_t, CHANNELS> c; /* bytes */
+    uint32_t c[CHANNELS]; /* bytes */
 };
 
 BLENDCOLOUR Unpack(uint32_t colour)

@@ -10,8 +10,6 @@
 
 namespace zr32 {
 
-static_assert(sizeof(POINT3D) == 3 * sizeof(double), "a point is an array of three for the vector helpers");
-
 namespace {
 
 /* The point turned about a unit axis. The cosine is derived from the sine, with the sign of its quadrant. */
@@ -103,16 +101,16 @@ ZRPATHAPI int32_t AddRotation(tagPOINT3D axisA, double angleA, tagPOINT3D axisB,
         *angle = angleA == 0 ? angleB : angleA;
         return 1;
     }
-    Vec3Normalize(&axisA.x);
-    Vec3Normalize(&axisB.x);
+    Vec3Normalize(Coords(&axisA));
+    Vec3Normalize(Coords(&axisB));
     angleA = WrapDegrees(angleA);
     angleB = WrapDegrees(angleB);
 
     POINT3D n;
-    Vec3Cross(&axisA.x, &axisB.x, &n.x, 0);
+    Vec3Cross(Coords(&axisA), Coords(&axisB), Coords(&n), 0);
     if (n.x == 0 && n.y == 0 && n.z == 0) {
         *axis = axisA;
-        *angle = WrapDegrees(Vec3Dot(&axisA.x, &axisB.x) >= 0 ? angleB + angleA : angleA - angleB);
+        *angle = WrapDegrees(Vec3Dot(Coords(&axisA), Coords(&axisB)) >= 0 ? angleB + angleA : angleA - angleB);
         return 1;
     }
     const double k = std::sqrt(1 / (n.x * n.x + n.y * n.y + n.z * n.z));
@@ -123,11 +121,11 @@ ZRPATHAPI int32_t AddRotation(tagPOINT3D axisA, double angleA, tagPOINT3D axisB,
     TurnAbout(axisA, WrapDegrees(-angleA), &u);
     TurnAbout(axisB, WrapDegrees(angleB), &v);
     POINT3D w;
-    const double length = Vec3Cross(&u.x, &v.x, &w.x, 1);
+    const double length = Vec3Cross(Coords(&u), Coords(&v), Coords(&w), 1);
     /* Rounding can lift the length of two unit vectors' product over 1, which has no arc sine. */
     double radians = std::asin(std::min(length, 1.0));
-    if (Vec3Dot(&u.x, &v.x) < 0) radians = coarsePi - radians;
-    Vec3Normalize(&w.x);
+    if (Vec3Dot(Coords(&u), Coords(&v)) < 0) radians = coarsePi - radians;
+    Vec3Normalize(Coords(&w));
     *axis = w;
     *angle = radians / coarsePi * 180;
     return 1;

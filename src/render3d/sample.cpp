@@ -4,6 +4,7 @@
  * given, and the factors of glass for good once a translucent colour has been lit.
  */
 #include "render3d/fragments.h"
+#include "render3d/space.h"
 
 #include <algorithm>
 #include <cmath>
@@ -44,8 +45,8 @@ uint32_t Term(double value)
 double FacingDot(const POINT3D *point, const POINT3D *normal, const POINT3D *eye)
 {
     POINT3D ray = {eye->x - point->x, eye->y - point->y, eye->z - point->z};
-    Vec3Normalize(&ray.x);
-    return Vec3Dot(&ray.x, &normal->x);
+    Vec3Normalize(Coords(&ray));
+    return Vec3Dot(Coords(&ray), Coords(normal));
 }
 
 uint32_t GlassAlpha(double facing, MATERIAL *material)
@@ -100,7 +101,7 @@ uint32_t SampleColour(SAMPLE *sample)
         /* Without glass the alpha starts at 0, deliberately, so that only the highlight shows in it. */
         const uint32_t alpha = material->glass == 0 ? 0 : GlassAlpha(sample->facing, material);
         sample->colour = (material->colour & 0xFFFFFFu) | alpha << 24;
-        ABufShade(&sample->normal.x, material->light, &sample->colour);
+        ABufShade(Coords(&sample->normal), material->light, &sample->colour);
         sample->lit = 1;
     }
     return sample->colour;

@@ -15,6 +15,18 @@ namespace zr32 {
 
 static_assert(sizeof(POINTFXMAT3D) == 144, "the transform record has one layout on every build");
 
+/* A point in space as the array of three that the vector helpers take. */
+static_assert(sizeof(POINT3D) == 3 * sizeof(double), "three doubles and nothing between them");
+inline double *Coords(POINT3D *point)
+{
+    return reinterpret_cast<double *>(point);
+}
+
+inline const double *Coords(const POINT3D *point)
+{
+    return reinterpret_cast<const double *>(point);
+}
+
 /* pi as it has always stood behind angles here: not the full value, and results depend on it. */
 constexpr double coarsePi = 3.14159;
 

@@ -72,7 +72,7 @@ int SampleAt(RENDER *render, const RUN *run, double i, double part, SAMPLE *samp
 
     const POINTDB across = run->slope * (run->stride * i * run->lean);
     POINT3D n = {-across.x, -across.y, PROFILETBL[ProfileIndex(i * run->index)].rise};
-    VecNormalize(&n.x);
+    VecNormalize(Coords(&n));
     RotatePoint3D(&n, &render->space.matrix);
     sample->normal = n;
     sample->z = p.z;
