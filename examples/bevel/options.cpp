@@ -34,7 +34,7 @@ const char usage[] =
     "  --mirror             mirror an environment in the surface\n"
     "  --glass FACE,EDGE    percent of transparency facing the viewer and edge-on (0,0)\n"
     "  --turn X,Y,Z         turn the solid by degrees about the axes and render it in space\n"
-    "  --opaque             in space: no glass\n"
+    "  --no-glass           in space: glass 0, of which only the highlights show\n"
     "  --gallery            render every family of pictures as labelled contact sheets instead\n"
     "  --out FOLDER         where the pictures go (build/demo)\n"
     "  --help               this text\n"
@@ -161,7 +161,7 @@ bool OptionSet(const char *name, const char *argument, OPTIONS *options)
     } else if (option == "turn") {
         options->turned = true;
         return Numbers(name, argument, -360, 360, 3, options->turn);
-    } else if (option == "opaque") {
+    } else if (option == "no-glass") {
         options->glass = 0;
     } else if (option == "gallery") {
         options->gallery = true;
@@ -183,7 +183,7 @@ int OptionsRead(int argc, char **argv, OPTIONS *options)
         {"material", required_argument, nullptr, 0}, {"lights", required_argument, nullptr, 0},
         {"spot", no_argument, nullptr, 0},           {"bump", required_argument, nullptr, 0},
         {"mirror", no_argument, nullptr, 0},         {"glass", required_argument, nullptr, 0},
-        {"turn", required_argument, nullptr, 0},     {"opaque", no_argument, nullptr, 0},
+        {"turn", required_argument, nullptr, 0},     {"no-glass", no_argument, nullptr, 0},
         {"gallery", no_argument, nullptr, 0},        {"out", required_argument, nullptr, 0},
         {"help", no_argument, nullptr, 'h'},         {nullptr, 0, nullptr, 0},
     };
