@@ -199,6 +199,47 @@ void RidgeSearch(const RENDER *render, const POINTDB &at, const POINTDB &inward,
     }
 }
 
+/* 1 when a section of this reach ends inside the shape, not beyond the ridge: nothing else lies much nearer to its end
+ * than the section is long. */
+int ReachFits(const RENDER *render, const POINTDB &at, const POINTDB &reach)
+{
+    constexpr double beyondRidge = 1.5;
+    const PIXELAT pixel = PixelAt(at + reach);
+    if (MaskPixel(render, pixel) == maskOutside) return 0;
+    const double nearest = Length(WaysAt(render, pixel).v1);
+    return nearest == 0 || Length(reach) <= nearest + beyondRidge;
+}
+
+/* The directions of ways tell a ridge late where edges meet at a shallow angle, and early where pixels lie close to all
+ * of them, as in the middle of a circle. What they tell is settled by the ways' lengths: a reach beyond the ridge is
+ * cut, and one is drawn on as long as the way back from its end is the own one. */
+void ReachSettle(const RENDER *render, const POINTDB &at, POINTDB *reach)
+{
+    constexpr double stride = 0.25;
+    constexpr double alike = 1.0; /* pixels between the end of the way back and where the section stands */
+    const double r = Length(*reach);
+    if (r < 1) return;
+    const POINTDB along = *reach * (1 / r);
+    double t = r;
+    if (ReachFits(render, at, *reach)) {
+        while (t + stride <= render->width) {
+            const POINTDB end = along * (t + stride);
+            const PIXELAT pixel = PixelAt(at + end);
+            if (MaskPixel(render, pixel) != maskInside) break;
+            const POINTDB centre = {pixel.x + 0.5, pixel.y + 0.5};
+            if (!(Length(centre + WaysAt(render, pixel).v1 - at) <= alike)) break;
+            t += stride;
+        }
+        /* The ridge as it was found is better than that to a pixel. */
+        t = t - r > 1.5 ? t - 0.75 : r;
+    } else {
+        t = 1;
+        while (t < r && ReachFits(render, at, along * t)) t += stride;
+        t = std::min(t, r);
+    }
+    *reach = along * t;
+}
+
 /* Shares the way between two ridge points out among the sections between their feet. *reach comes in as found at this
  * section alone. */
 void MitreReach(const RENDER *render, const POINTDB &s, const RIDGE *ridge, double *r, POINTDB *reach, MITRE *mitre)
@@ -224,6 +265,7 @@ void MitreReach(const RENDER *render, const POINTDB &s, const RIDGE *ridge, doub
         mitre->reach = *reach;
         mitre->foot = foot;
     }
+    if (!ReachFits(render, s - render->maskOrigin, inner - s)) return; /* feet in disorder: as found here alone */
     *reach = inner - s;
     *r = Length(*reach);
     if (*r > render->width) {
@@ -336,6 +378,7 @@ void SectionAt(const RENDER *render, const POINTDB &segmentStart, const POINTDB 
     else if (searched)
         MitreReach(render, s, &ridge, &r, &section->reach, mitre);
     if (!std::isfinite(r)) section->reach = {0, 0};
+    if (searched) ReachSettle(render, at, &section->reach);
 }
 
 void FanSection(const RENDER *render, const POINTDB &at, const POINTDB &inward, const POINTDB &edge, SECTION *section)

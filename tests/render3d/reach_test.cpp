@@ -203,6 +203,8 @@ TEST(Section, BadMapsAreSafe)
     for (double x = -5; x < 45; x += 0.37) {
         const SECTION section = At(&bar, x, 10, &mitre);
         ASSERT_LE(Length(section.reach), 50.001);
+        ASSERT_LE(section.at.y + section.reach.y, 31); /* whatever the map says, the shape is not left */
+        ASSERT_GE(section.at.y + section.reach.y, 9);
     }
 }
 
