@@ -132,6 +132,7 @@ void RowCoverFree(ROWCOVER *cover)
     BufFree(cover->touched);
 }
 
+/* cppcheck-suppress passedByValue - few pointers, kept in registers */
 void BandToMask8(EDGETABLE *table, PATHBUF buf, int evenOdd, int hard, ROWCOVER cover)
 {
     const BUFINFO info = BufInfo(buf);
