@@ -28,9 +28,11 @@ PATHREC *Outline()
 {
     PATHREC *paths[4] = {MakeCircle(52, 48, 34), MakeCircle(50, 50, 17), nullptr, nullptr};
     /* The hole runs the other way. */
-    for (uint32_t i = 0; i < paths[1]->nodeCount / 2; i++) {
-        std::swap(paths[1]->nodes[i].x, paths[1]->nodes[paths[1]->nodeCount - 1 - i].x);
-        std::swap(paths[1]->nodes[i].y, paths[1]->nodes[paths[1]->nodeCount - 1 - i].y);
+    PATHREC *hole = paths[1];
+    for (uint32_t i = 0, j = hole->nodeCount - 1; i < j; i++, j--) {
+        const PATHNODE first = hole->nodes[i];
+        hole->nodes[i] = {first.type, hole->nodes[j].x, hole->nodes[j].y};
+        hole->nodes[j] = {hole->nodes[j].type, first.x, first.y};
     }
     std::vector<TESTNODE> star;
     static const double corners[10][2] = {{130, 14},   {138.25, 38.5}, {164, 38.75}, {143.5, 54}, {151, 78.25},
