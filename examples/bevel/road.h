@@ -8,6 +8,7 @@
 
 #include "options.h"
 #include "picture.h"
+#include "platform/platform.h"
 
 namespace bevel {
 

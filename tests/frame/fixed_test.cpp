@@ -49,7 +49,7 @@ TEST(Fixed, DbToFixTruncatesTowardsZeroAndWraps)
     const struct {
         const char *name;
         double value;
-        FIXED want;
+        ZRFIXED want;
     } cases[] = {
         {"negative one and a half", -1.5, -98304},
         {"just below one", 0.99999999, 65535},
@@ -73,17 +73,17 @@ TEST(Fixed, FixToDbIsExactAndGoesRound)
     EXPECT_EQ(-1.5, FixToDb(-98304));
     std::mt19937 random(1);
     for (int i = 0; i < 100000; i++) {
-        const FIXED value = static_cast<FIXED>(random());
+        const ZRFIXED value = static_cast<ZRFIXED>(random());
         ASSERT_EQ(value, DbToFix(FixToDb(value)));
     }
 }
 
 TEST(Fixed, PairSumsAndDifferencesWrap)
 {
-    const POINTFX sum = PtfxAdd(0x7FFFFFFF, -5, 1, 7);
+    const ZRPOINTFX sum = PtfxAdd(0x7FFFFFFF, -5, 1, 7);
     EXPECT_EQ(INT32_MIN, sum.x);
     EXPECT_EQ(2, sum.y);
-    const POINTFX difference = PtfxSub(INT32_MIN, 5, 1, 7);
+    const ZRPOINTFX difference = PtfxSub(INT32_MIN, 5, 1, 7);
     EXPECT_EQ(INT32_MAX, difference.x);
     EXPECT_EQ(-2, difference.y);
 }

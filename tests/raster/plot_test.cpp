@@ -321,7 +321,7 @@ TEST(Plot, SegmentsOfAnyLengthEnd)
                               {4, -32000, 100},
                               {0x100, 30000, 30000},
                               {6, 3, 3}});
-    for (const FIXED zoom : {0x10000, 0x7FFFFFFF, INT32_MIN, 0, -1}) {
+    for (const ZRFIXED zoom : {0x10000, 0x7FFFFFFF, INT32_MIN, 0, -1}) {
         for (int aaMode : {0, 1}) {
             const MASK mask = EmptyMask(8, 40, 40);
             EXPECT_EQ(1, PathOutlineToBuf(path, mask.buf, aaMode, 1, zoom, -20, -20));

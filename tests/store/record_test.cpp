@@ -61,10 +61,10 @@ TEST_F(Record, TheHundredAndFirstNodeResizesOnceToTwoHundred)
     for (uint32_t i = 1; i <= 200; i++) {
         ASSERT_EQ(1, PathReserveNodes(&path, &node, 1));
         EXPECT_EQ(&path->nodes[i - 1], node);
-        node->x = static_cast<FIXED>(i);
+        node->x = static_cast<ZRFIXED>(i);
         EXPECT_EQ(RecordBlockSize(i <= 100 ? 100 : 200), BlockSize(path)) << i;
     }
-    for (uint32_t i = 1; i <= 200; i++) EXPECT_EQ(static_cast<FIXED>(i), +path->nodes[i - 1].x);
+    for (uint32_t i = 1; i <= 200; i++) EXPECT_EQ(static_cast<ZRFIXED>(i), +path->nodes[i - 1].x);
     ZrPathDeletePtr(path, 0);
 }
 

@@ -25,7 +25,7 @@ struct SETTINGS {
     int32_t evenOdd = 0;
     int32_t noMitre = 0;
     int32_t floatVectors = 0;
-    FIXED zoom = 0x10000;
+    ZRFIXED zoom = 0x10000;
 };
 
 /* A map from one of the two forms of the builder. */
@@ -176,7 +176,7 @@ TEST(Exact, RandomShapesAreThePlainFormsToTheBit)
         s.evenOdd = random() % 2;
         s.noMitre = random() % 3 == 0;
         s.floatVectors = random() % 3 == 0;
-        const FIXED zooms[] = {0x10000, 0x10000, 0x8000, 0x14000};
+        const ZRFIXED zooms[] = {0x10000, 0x10000, 0x8000, 0x14000};
         s.zoom = zooms[random() % 4];
         ExpectSame(path, s, lastEdge, "round " + std::to_string(round));
         ZrPathDeletePtr(path, 0);
@@ -489,7 +489,7 @@ TEST(Exact, MoreCandidatesThanAnyListWasMadeForChangeNothing)
 TEST(Exact, AnyZoomAndWidthIsSafe)
 {
     PATHREC *path = JoinPaths({MakeBox(-3, -3, 10, 10), MakeCircle(4, 4, 5)});
-    for (const FIXED zoom : {0, 1, -1, 0x10000, -0x10000, 0x7000000, INT32_MAX, INT32_MIN}) {
+    for (const ZRFIXED zoom : {0, 1, -1, 0x10000, -0x10000, 0x7000000, INT32_MAX, INT32_MIN}) {
         for (double width : {-1.0, 4.0, 1e300, -HUGE_VAL, static_cast<double>(NAN)}) {
             PATHBUF dist = reinterpret_cast<PATHBUF>(1);
             PATHBUF offset = reinterpret_cast<PATHBUF>(1);
