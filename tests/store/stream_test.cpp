@@ -230,7 +230,8 @@ TEST_F(Stream, RandomChainsComeBackAndFlattenToTheSameBytes)
             const uint32_t count = static_cast<uint32_t>(random() % 130);
             PathReserveNodes(&path, &node, count);
             for (uint32_t i = 0; i < count; i++)
-                node[i] = {static_cast<uint16_t>(random()), static_cast<ZRFIXED>(random()), static_cast<ZRFIXED>(random())};
+                node[i] = {static_cast<uint16_t>(random()), static_cast<ZRFIXED>(random()),
+                           static_cast<ZRFIXED>(random())};
             path->flags = static_cast<uint32_t>(random());
             path->primitive = static_cast<int32_t>(random() % 7);
             if (random() % 2) ZrPathPurge(&path);
