@@ -1,31 +1,13 @@
 /* editor.cpp - the window of a small editor, see editor.h. */
 #include "editor.h"
 
+#include "common/window.h"
+
 #include <algorithm>
 
 namespace session {
 
 namespace {
-
-#if defined(_WIN32)
-HWND MakeWindow()
-{
-    return CreateWindowA("STATIC", "", 0, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
-}
-
-void FreeWindow(HWND window)
-{
-    DestroyWindow(window);
-}
-#else
-HWND MakeWindow()
-{
-    static int place;
-    return reinterpret_cast<HWND>(&place); /* a window is whatever a host takes for one */
-}
-
-void FreeWindow(HWND) {}
-#endif
 
 size_t RowBytes(int32_t width)
 {

@@ -1,33 +1,10 @@
 /* pendriver.cpp - see pendriver.h. */
 #include "support/pendriver.h"
 
+#include "common/window.h"
 #include "edit/pentool.h"
 
 namespace zr32test {
-
-namespace {
-
-#if defined(_WIN32)
-HWND MakeWindow()
-{
-    return CreateWindowA("STATIC", "", 0, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
-}
-
-void FreeWindow(HWND window)
-{
-    DestroyWindow(window);
-}
-#else
-HWND MakeWindow()
-{
-    static int place;
-    return reinterpret_cast<HWND>(&place); /* a window is whatever a host takes for one */
-}
-
-void FreeWindow(HWND) {}
-#endif
-
-} // namespace
 
 PENDRIVER::PENDRIVER(PATHTBL *t, const COORDSTRUCT *v, HDC d) : window(MakeWindow()), table(t), view(v), dc(d)
 {
