@@ -67,7 +67,7 @@ def run(command, cwd, seconds):
         return -1
 
 
-def make_copy(worker):
+def make_copy(worker, rooms):
     copy = ROOT / "build" / "mutate" / str(worker)
     if copy.exists():
         shutil.rmtree(copy / "src")
@@ -79,7 +79,8 @@ def make_copy(worker):
         shutil.copy(ROOT / name, copy / name)
     configure = ["cmake", "--preset", "release", "-DZR32PATH_BENCH=OFF", "-DZR32PATH_EXAMPLES=OFF",
                  "-DCMAKE_CXX_FLAGS_RELEASE=-O1 -DNDEBUG"]
-    if run(configure, copy, 300) or run(["cmake", "--build", "--preset", "release"], copy, 3000):
+    targets = [f"test_{room}" for room in rooms]
+    if run(configure, copy, 300) or run(["cmake", "--build", "--preset", "release", "--target", *targets], copy, 3000):
         raise SystemExit("mutate: the copy does not build")
     return copy
 
@@ -107,9 +108,9 @@ def main():
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("rooms", nargs="*", default=ROOMS)
     arguments = parser.parse_args()
-    copies = [make_copy(worker) for worker in range(WORKERS)]
+    copies = [make_copy(worker, arguments.rooms) for worker in range(WORKERS)]
     survivors = 0
-    for room in arguments.rooms or ROOMS:
+    for room in arguments.rooms:
         draw = sites(room)
         random.Random(f"{arguments.seed} {room}").shuffle(draw)
         tried = {"planted": 0, "found": 0}

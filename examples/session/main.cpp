@@ -6,6 +6,7 @@
 #include "script.h"
 
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <string>
 
@@ -29,6 +30,10 @@ std::string FileName(size_t index, const std::string &name)
 
 int main(int argc, char **argv)
 {
+    if (argc > 2 || (argc == 2 && argv[1][0] == '-')) {
+        fprintf(stderr, "usage: session [DIRECTORY]   (build/demo/session when there is none)\n");
+        return strcmp(argv[1], "--help") == 0 ? 0 : 2;
+    }
     const std::string directory = std::string(argc > 1 ? argv[1] : "build/demo/session") + "/";
     std::error_code ignored; /* a directory that is missing shows when the first picture is written */
     std::filesystem::create_directories(directory, ignored);
