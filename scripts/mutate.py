@@ -50,7 +50,7 @@ def code_lines(text):
 
 def sites(room):
     found = []
-    for path in sorted((ROOT / "src" / room).glob("*.cpp")):
+    for path in sorted([*(ROOT / "src" / room).glob("*.cpp"), *(ROOT / "src" / room).glob("*.h")]):
         for number, line in code_lines(path.read_text()):
             for kind, pattern, replacement in OPERATORS:
                 for match in pattern.finditer(line):

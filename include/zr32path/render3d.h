@@ -84,15 +84,18 @@ ZRPATHAPI void ZrPathGet3DMiniMaxRect(const PATHREC *path, const POINTFXMAT3D *t
  *   surface     offset plane of SURFVEC16 of the same size from ZrPathVMap. Null, or of another depth: the bevel is two
  *               pixels wide
  *   glass       not 0: alpha follows the viewing angle, from 255 along the surface to 16 straight on. 0: the alpha of
- * each sample is 0 before it is lit, so that samples are translucent, lit as glass, and the alpha buffer holds the
- * highlights alone width       bevel width in pixels; below 1 nothing is drawn. What lies deeper than width inside the
- * shape stays empty scale, profile, invert   the bevel's cross-section, as in shade.h; scale changes nothing here light
- * three doubles, the unit vector to the light, or null for the one of the last call The reserved arguments are not
- * read. All of both buffers is written up to 500 rows, empty pixels as zeros; only the first 500 rows are rendered, a
- * further band of up to 500 rows clears as many rows at the top again and leaves its own as they were. The caller keeps
- * everything that it hands in; nothing is kept but light direction, profile table and material. 1; 0 when path, camera,
- * colourBuf, alphaBuf or mask is null, or without memory for a band's plane: its rows are then left. Where memory for
- * fragments ends, further samples are dropped. */
+ *               each sample is 0 before it is lit, so that samples are translucent, lit as glass, and the alpha buffer
+ *               holds the highlights alone
+ *   width       bevel width in pixels; below 1 nothing is drawn. What lies deeper than width inside the shape stays
+ *               empty
+ *   scale, profile, invert  the bevel's cross-section, as in shade.h; scale changes nothing here
+ *   light       three doubles, the unit vector to the light, or null for the one of the last call
+ *   reserved    are not read
+ * All of both buffers is written up to 500 rows, empty pixels as zeros; only the first 500 rows are rendered, a further
+ * band of up to 500 rows clears as many rows at the top again and leaves its own as they were. The caller keeps
+ * everything that it hands in; nothing is kept but light direction, profile table and material.
+ * 1; 0 when path, camera, colourBuf, alphaBuf or mask is null, or without memory for a band's plane: its rows are then
+ * left. Where memory for fragments ends, further samples are dropped. */
 ZRPATHAPI int32_t ZrPathABufRender(PATHREC *path, const POINTFXMAT3D *camera, PATHBUF colourBuf, PATHBUF alphaBuf,
                                    intptr_t reserved5, const struct tagPOINT *outOrigin,
                                    const struct tagPOINT *maskOrigin, const uint32_t *colour, PATHBUF mask,

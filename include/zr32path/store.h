@@ -106,7 +106,7 @@ typedef struct COORDSTRUCT {
 typedef struct R2VPOINT {
     double x;
     double y;
-    uint32_t type; /* PATHNODE_LINE or PATHNODE_CURVE */
+    uint32_t type; /* PATHNODE_LINE, or PATHNODE_CURVE on each of a curve's three points */
     uint32_t unused;
 } R2VPOINT;
 
@@ -132,8 +132,9 @@ ZRPATHAPI int32_t ZrPathDeletePtr(PATHREC *path, int32_t bySelection);
  * give null, 1 point a lone start node. The caller owns it; null without memory. */
 ZRPATHAPI PATHREC *ZrPathR2VToZrPath(uint32_t count, const R2VPOINT *points);
 
-/* Links the array into one table chain and one join chain; returns its first record. Null, with nothing linked, for
- * an empty array or one with a null in it. */
+/* Links the array into one table chain and one join chain; returns its first record. Each record stands in the array
+ * once and in no chain yet: links in front of the first and behind the last stay as they are. Null, with nothing
+ * linked, for an empty array or one with a null in it. */
 ZRPATHAPI PATHREC *ZrPathChainZrPath(uint32_t count, PATHREC **paths);
 
 /* Puts the table chain that added belongs to behind the chain of *chain, or stores added where *chain is null.
@@ -150,7 +151,8 @@ ZRPATHAPI int32_t ZrPathNew(PATHTBL **table);
 
 /* Adds a group that holds the table chain of path, makes it current and draws it. An empty *table makes the table
  * and a display buffer of view->right x view->bottom; an empty only group is taken over. The name is cut to 255
- * bytes. *dirty gets the rectangle to repaint. 1; 0 for a null record or without memory. */
+ * bytes. The group owns the records. *dirty, which may be null, gets the rectangle to repaint; without a display
+ * buffer nothing is drawn and it stays. 1; 0, with nothing changed, for a null record or without memory. */
 ZRPATHAPI int32_t ZrPathAddPathGroup(PATHTBL **table, PATHREC *path, const char *name, COORDSTRUCT *view,
                                      struct tagRECT *dirty);
 
@@ -173,15 +175,15 @@ ZRPATHAPI void ZrPathFindGroups(const PATHTBL *table, uint32_t *count);
 ZRPATHAPI void ZrPathFindGroupName(const PATHTBL *table, int32_t group, const char **name);
 
 /* Makes the head of path's table chain the current group's active path and the first selected record of that chain
- * its selected path. 1; 0 for a null table. */
+ * its selected path. 1; 0 for a null table or record. */
 ZRPATHAPI int32_t ZrPathAssignActivePath(PATHTBL *table, PATHREC *path);
 
 /* Makes the head of path's selected chain the current group's selected path; null clears it. 1; 0 for a null table
  * or a record that is not selected. */
 ZRPATHAPI int32_t ZrPathAssignSelectedPath(PATHTBL *table, PATHREC *path);
 
-/* ZrPathAssignSelectedPath with the first record of path's table chain whose flags are not 0, or with null. 1; 0 for
- * a null record. */
+/* ZrPathAssignSelectedPath with the first record of path's table chain whose flags are not 0, or with null. 1, also
+ * when that refuses the record; 0 for a null record or table. */
 ZRPATHAPI int32_t ZrPathAssignSelectedPathBlindly(PATHTBL *table, PATHREC *path);
 
 /* Answers questions about a selection by what the two words hold beforehand; each address may be null.
@@ -192,12 +194,14 @@ ZRPATHAPI int32_t ZrPathAssignSelectedPathBlindly(PATHTBL *table, PATHREC *path)
 ZRPATHAPI void ZrPathInfo(const PATHREC *path, int32_t *selected, int32_t *joined);
 
 /* Sets up a view, making the record when *view is null (the library is started if need be). With a table the view is
- * tied to its display buffer, which is made when there is none and kept as it is when there is one. Always 1. */
+ * tied to its display buffer, which is made when there is none and kept as it is, of whatever size, when there is one.
+ * The caller frees the record with ZrPathDeleteCoordStruct. Always 1: without memory *view or its buffer is null. */
 ZRPATHAPI int32_t ZrPathCoordStruct(int32_t left, int32_t top, int32_t right, int32_t bottom, int32_t scrollX,
                                     int32_t scrollY, int32_t zoom, PATHTBL *table, COORDSTRUCT **view);
 
 /* Sets up a view with a new display buffer of its size, freeing the old one; a tag other than 0 is stored in the
- * table. 1; 0 for a null table. */
+ * table. 1, with a null buffer when that could not be had; 0, with nothing changed, for a null table or address or
+ * without memory for the record. */
 ZRPATHAPI int32_t ZrPathNewCoordStruct(int32_t left, int32_t top, int32_t right, int32_t bottom, int32_t scrollX,
                                        int32_t scrollY, int32_t zoom, int32_t tag, PATHTBL *table, COORDSTRUCT **view);
 
@@ -211,7 +215,7 @@ ZRPATHAPI int32_t ZrPathTblIsValid(int32_t left, int32_t top, int32_t right, int
 /* A point relative to the view rectangle in image coordinates; (0, 0) for a null view. */
 ZRPATHAPI tagPOINTDB ZrPathPtWndToImage(int32_t x, int32_t y, const COORDSTRUCT *view);
 
-/* Both corners of a rectangle relative to the view rectangle in image coordinates. */
+/* Both corners of a rectangle relative to the view rectangle in image coordinates; (0, 0) twice for a null view. */
 ZRPATHAPI ZRRECTDB ZrPathRectWndToImage(int32_t left, int32_t top, int32_t right, int32_t bottom,
                                         const COORDSTRUCT *view);
 

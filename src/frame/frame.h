@@ -105,7 +105,8 @@ void *PathHeapAlloc(HANDLE heap, uint32_t flags, size_t size);
 /* Resizes; the tail is not zeroed and the block may move. On failure the block stays and the result is null. */
 void *PathHeapReAlloc(HANDLE heap, uint32_t flags, void *block, size_t size);
 
-/* Resizes without moving; null when the heap cannot. */
+/* Resizes without moving; null, with the block kept, when the heap cannot. Shrinking works everywhere; growth is not
+ * tried where the platform would raise instead of refusing it. */
 void *PathHeapReAllocInPlace(HANDLE heap, uint32_t flags, void *block, size_t size);
 
 void PathHeapFree(HANDLE heap, uint32_t flags, void *block);

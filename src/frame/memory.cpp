@@ -125,6 +125,10 @@ void *PathHeapReAlloc(HANDLE heap, uint32_t flags, void *block, size_t size)
 
 void *PathHeapReAllocInPlace(HANDLE heap, uint32_t flags, void *block, size_t size)
 {
+#if defined(_WIN32)
+    /* A heap with HEAP_GENERATE_EXCEPTIONS raises where a block cannot grow in place, and nothing tells that before. */
+    if (size > PathHeapSize(heap, flags, block)) return nullptr;
+#endif
     return PathHeapReAlloc(heap, flags | HEAP_REALLOC_IN_PLACE_ONLY, block, size);
 }
 

@@ -17,9 +17,6 @@ constexpr uint32_t resultStep = 20;
 
 constexpr int32_t depthSupersampled = 16;
 
-/* Marker in the flags of free-standing records that the surface code builds. */
-constexpr uint32_t freeStanding = 0x88880000;
-
 struct MASKREQUEST {
     int32_t depth;
     int32_t evenOdd;
@@ -35,10 +32,11 @@ struct MASKRESULTS {
     uint32_t room;
 };
 
-/* The record to begin with: the head of the selected chain for a selected record, else that of the table chain. */
+/* The record to begin with: a free-standing one itself, else the head of the selected chain for a selected record and
+ * that of the table chain for any other. */
 PATHREC *FirstRecord(PATHREC *path)
 {
-    if (path->flags == freeStanding) return path;
+    if (path->flags == PATHREC_FREELATTICE) return path;
     return ChainFirst(PathIsSelected(path) ? selectedChain : tableChain, path);
 }
 

@@ -27,8 +27,8 @@ int ReserveNodes(PATHREC **path, PATHNODE **first, uint32_t count, int mayMove)
     if (wanted > INT32_MAX / sizeof(PATHNODE)) return 0;
     if (wanted > BlocksFor((*path)->nodeCount) * nodesPerBlock || wanted > RecordRoom(*path)) {
         const size_t size = RecordBlockSize(static_cast<size_t>(BlocksFor(wanted) * nodesPerBlock));
-        void *block = PathHeapReAllocInPlace(PathHeap(), heapNoSerialize, *path, size);
-        if (!block && mayMove) block = PathHeapReAlloc(PathHeap(), heapNoSerialize, *path, size);
+        void *block = mayMove ? PathHeapReAlloc(PathHeap(), heapNoSerialize, *path, size)
+                              : PathHeapReAllocInPlace(PathHeap(), heapNoSerialize, *path, size);
         if (!block) return 0;
         *path = static_cast<PATHREC *>(block);
     }

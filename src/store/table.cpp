@@ -108,8 +108,7 @@ ZRPATHAPI int32_t ZrPathAddPathGroup(PATHTBL **table, PATHREC *path, const char 
         group = grown->groupCount;
         grown = TableGrow(grown);
         if (!grown) return 0;
-        RECT cleared;
-        if (grown->version == 0x10000 && view) ZrPathHide(view, nullptr, &cleared);
+        if (grown->version == 0x10000) ZrPathHide(view, nullptr, nullptr);
     }
     *table = grown;
     grown->currentGroup = group;
@@ -118,8 +117,7 @@ ZRPATHAPI int32_t ZrPathAddPathGroup(PATHTBL **table, PATHREC *path, const char 
     grown->groups[group].index = group;
     GroupFill(&grown->groups[group], name, path);
 
-    RECT drawn;
-    if (view && view->displayBuffer && ZrPathDraw(view, path, &drawn) && dirty) *dirty = drawn;
+    ZrPathDraw(view, path, dirty);
     return 1;
 }
 

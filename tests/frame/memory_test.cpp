@@ -4,6 +4,7 @@
 #include "frame/frame.h"
 
 #include <algorithm>
+#include <cstring>
 #include <gtest/gtest.h>
 
 using namespace zr32;
@@ -71,6 +72,10 @@ TEST(Memory, WithoutAHeapNothingIsGivenAndNothingTouched)
 
 TEST(Memory, BufReAllocOfNullIsABufAlloc)
 {
+    /* What the allocator hands out next is not clean by chance. */
+    void *used = BufAlloc(0, 100);
+    memset(used, 0xEE, 100);
+    BufFree(used);
     void *block = BufReAlloc(nullptr, 100, bufZero);
     ASSERT_NE(nullptr, block);
     EXPECT_TRUE(AllZero(block, 100));

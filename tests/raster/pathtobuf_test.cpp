@@ -234,6 +234,33 @@ TEST(PathToBuf, Depth16AtTwiceTheSizeHasHalfTheRectangle)
     zr32::RecordFree(path);
 }
 
+TEST(PathToBuf, AReducedHardPixelIsOnFromAMeanOf128)
+{
+    /* In pixels of the large mask, 16 a path unit: from (40, 83) to (120, 120), so that rows 84 to 120 and columns 40
+     * to 119 are on. The bounds begin at path unit (2, 5), that is at (32, 80), less the margin of 5: the box of small
+     * pixel (3, 0) holds columns and rows 76 to 91. Of its 256 pixels 8 x 16 are on: the mean is 127.5, cut to 127. One
+     * more, at (76, 83), and the mean is 128.49, cut to 128. */
+    const auto unit = [](double pixels) { return pixels / 16; };
+    for (const bool notch : {false, true}) {
+        const double top = unit(notch ? 82 : 83);
+        PATHREC *path = MakePath({{6, unit(40), unit(83)},
+                                  {2, unit(76), unit(83)},
+                                  {2, unit(76), top},
+                                  {2, unit(77), top},
+                                  {2, unit(77), unit(83)},
+                                  {2, unit(120), unit(83)},
+                                  {2, unit(120), unit(120)},
+                                  {2, unit(40), unit(120)},
+                                  {3, unit(40), unit(83)}});
+        const MASK mask = MakeMask(path, 16, 0, 0, 0, 0x100000);
+        EXPECT_EQ(1, mask.rect.left);
+        EXPECT_EQ(4, mask.rect.top);
+        EXPECT_EQ(notch ? 255 : 0, mask.buf[3]);
+        ZrPathBufFree(mask.buf);
+        zr32::RecordFree(path);
+    }
+}
+
 TEST(PathToBuf, Depth16AtNoEnlargementEqualsDepth8)
 {
     PATHREC *path = MakeCircle(25, 31, 14.3);

@@ -83,6 +83,21 @@ TEST(Bounds, PolygonShapeAddsNothing)
     ExpectRect(BoxOf({{6, 10, 20}, {0x400, 5, 0}, {2, 90, 90}}), 10, 20, 10, 20);
 }
 
+TEST(Bounds, APolygonShapeBehindAnotherRecordLeavesTheBoxAtTheStartPointOfTheFirst)
+{
+    PATHREC *paths[] = {MakePath({{6, 30, 31}}), MakePath({{6, 10, 20}, {0x401, 5, 0}, {2, 90, 90}})};
+    ZrPathChainZrPath(2, paths);
+    tagRECT rect;
+    ZrPathGetRealRect(paths[0], one, &rect);
+    ExpectRect(rect, 30, 31, 30, 31);
+    ZrPathDeletePtr(paths[0], 0);
+}
+
+TEST(Bounds, RectangleShapeIsBoundedByItsTwoCorners)
+{
+    ExpectRect(BoxOf({{6, 10, 20}, {0x200, -5, 40}}), -5, 20, 10, 40);
+}
+
 TEST(Bounds, NodeOneIsLookedAtOnlyWhenThereIsOne)
 {
     PATHREC *path = MakePath({{6, 1, 2}, {0x400, 5, 0}});

@@ -123,20 +123,16 @@ TEST_F(Record, FailedGrowthLeavesTheRecord)
     PATHREC *const block = path;
     PATHNODE *node = nullptr;
     ASSERT_EQ(1, PathReserveNodes(&path, &node, 100));
-    for (int n = 1;; n++) {
-        PATHNODE *added = node;
-        FaultSet(ALLOC_PATHHEAP, n);
-        const int done = PathReserveNodes(&path, &added, 1);
-        if (done && !FaultStruck()) break;
-        if (done) { /* the attempt in place failed, the one that may move did not */
-            path->nodeCount = 100;
-            continue;
-        }
-        EXPECT_EQ(block, path);
-        EXPECT_EQ(100u, path->nodeCount);
-        EXPECT_EQ(node, added);
-        EXPECT_EQ(RecordBlockSize(100), BlockSize(path));
-    }
+    PATHNODE *added = node;
+    FaultSet(ALLOC_PATHHEAP, 1);
+    EXPECT_EQ(0, PathReserveNodes(&path, &added, 1));
+    EXPECT_TRUE(FaultStruck());
+    EXPECT_EQ(block, path);
+    EXPECT_EQ(100u, path->nodeCount);
+    EXPECT_EQ(node, added);
+    EXPECT_EQ(RecordBlockSize(100), BlockSize(path));
+    EXPECT_EQ(1, PathReserveNodes(&path, &added, 1)) << "and the next attempt succeeds";
+    EXPECT_EQ(RecordBlockSize(200), BlockSize(path));
     ZrPathDeletePtr(path, 0);
 }
 

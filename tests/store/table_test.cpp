@@ -92,6 +92,23 @@ TEST_F(Table, FirstGroupMakesTableAndBufferOfTheViewsRightAndBottom)
     EXPECT_EQ(1u, table->groupCount);
 }
 
+TEST_F(Table, RectangleToRepaintIsThatOfTheDrawnOutline)
+{
+    /* Lines from 5.5 to 20.5: pixels 5 to 20, 1 more for the neighbours, 2 more on each side. */
+    AddBox("one");
+    EXPECT_EQ(2, dirty.left);
+    EXPECT_EQ(2, dirty.top);
+    EXPECT_EQ(23, dirty.right);
+    EXPECT_EQ(23, dirty.bottom);
+    EXPECT_EQ(1, table->lpDB[5 * 60 + 12]);
+    PATHREC *path = MakeBox(30, 10, 40, 20);
+    ASSERT_EQ(1, ZrPathAddPathGroup(&table, path, "two", view, &dirty));
+    EXPECT_EQ(27, dirty.left);
+    EXPECT_EQ(43, dirty.right);
+    EXPECT_EQ(0, table->lpDB[5 * 60 + 12]) << "the group before is no longer shown";
+    EXPECT_EQ(1, table->lpDB[10 * 60 + 35]);
+}
+
 TEST_F(Table, EmptyFirstGroupIsTakenOverAndASecondOneGrowsTheBlock)
 {
     ASSERT_EQ(1, ZrPathNew(&table));
