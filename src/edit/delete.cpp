@@ -31,9 +31,11 @@ struct FIRSTANCHOR {
 
 /* The mark on the last anchor stands for the start of a closed run. The first segment goes, its anchor becomes the
  * start, and the closing segment keeps its nodes and ends on that anchor as it was. An open record is closed by this,
- * and of several runs the first loses its anchor, deliberately. */
+ * and of several runs the first loses its anchor, deliberately. A record that does not begin with a start may have no
+ * more nodes left than the first segment had: they stay. */
 void RemoveClosingAnchor(PATHREC *path, const FIRSTANCHOR &first, uint32_t closingKind)
 {
+    if (path->nodeCount <= first.nodes) return;
     RemoveNodes(path, 0, first.nodes);
     path->nodes[0].type = PATHNODE_START;
     path->nodes[path->nodeCount - 1] = {static_cast<uint16_t>(closingKind | PATHNODE_CLOSING), first.x, first.y};

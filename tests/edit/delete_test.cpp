@@ -138,6 +138,13 @@ TEST(DeleteNodes, ASegmentCutShortEndsTheWalk)
     EXPECT_EQ(AfterDelete({{6, 0, 0}, {2, 1, 1}, {0x8800, 2, 2}, {0x8002, 3, 3}, {2, 4, 4}}).size(), 5u);
 }
 
+TEST(DeleteNodes, AClosingAnchorThatWouldTakeAllNodesStays)
+{
+    /* Node 0 is no start, so it goes first; what is left has no more nodes than its first segment. */
+    EXPECT_EQ(AfterDelete({{0x8002, 0, 0}, {4, 1, 1}, {0x8002, 2, 2}, {2, 3, 3}, {0x8002, 4, 4}}),
+              (NODES{{4, 1, 1}, {2, 3, 3}, {2, 4, 4}}));
+}
+
 TEST(DeleteNodes, FourNodesOrFewerGoAsAWhole)
 {
     EXPECT_EQ(AfterDelete({{6, 0, 0}, {0x8002, 1, 1}, {2, 2, 2}, {3, 0, 0}}), NODES{});
