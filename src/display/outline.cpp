@@ -5,10 +5,11 @@
  * find the pixels that drawing found. A segment whose box misses the view costs that test and nothing more.
  */
 #include "display/display.h"
+#include "geometry/box.h"
 #include "geometry/curvestep.h"
 #include "geometry/minoraxis.h"
 
-#include <algorithm>
+#include <cstdlib>
 
 namespace zr32 {
 
@@ -109,7 +110,8 @@ void FitCurveStep(CURVESTEP *step, POINTDB *adjusted)
     }
 }
 
-void StepCurve(PIXELCHAIN *chain, const POINTDB *p, const POINTDB &low, const POINTDB &high)
+/* box is that of the four points. */
+void StepCurve(PIXELCHAIN *chain, const POINTDB *p, const BOXDB &box)
 {
     CURVESTEP step;
     CurveStart(p, &step);
@@ -119,8 +121,7 @@ void StepCurve(PIXELCHAIN *chain, const POINTDB *p, const POINTDB &low, const PO
         FitCurveStep(&step, &adjusted);
         const MAINAXIS axis = AxisOfSample(step.d, step.t, &before);
         const POINTDB position = step.pos * subPixelOfStep;
-        if (position.x >= low.x - 1 && position.x <= high.x + 1 && position.y >= low.y - 1 && position.y <= high.y + 1)
-            TouchSample(chain, position, step.t, axis, MinorSlope(step.d, axis));
+        if (PointInBox(position, box, 1)) TouchSample(chain, position, step.t, axis, MinorSlope(step.d, axis));
         CurveAdvance(&step);
     }
 }
@@ -128,20 +129,15 @@ void StepCurve(PIXELCHAIN *chain, const POINTDB *p, const POINTDB &low, const PO
 /* Steps a line (two points) or a curve (four) whose box meets the view. */
 void StepSegment(const DISPLAYPLANE *plane, uint8_t sign, const POINTDB *p, int points, RECT *dirty)
 {
-    POINTDB low = p[0];
-    POINTDB high = p[0];
-    for (int i = 1; i < points; i++) {
-        low = {std::min(low.x, p[i].x), std::min(low.y, p[i].y)};
-        high = {std::max(high.x, p[i].x), std::max(high.y, p[i].y)};
-    }
+    const BOXDB box = BoxOfPoints(p, points);
     PIXELCHAIN chain = {plane, {}, {}, sign, points == 2};
-    RECT box = {TruncInt(low.x), TruncInt(low.y), TruncInt(high.x), TruncInt(high.y)};
-    InflateRect(&box, 1, 1);
-    if (!IntersectRect(&chain.rect, &box, &plane->clip)) return;
+    RECT pixels = {TruncInt(box.left), TruncInt(box.top), TruncInt(box.right), TruncInt(box.bottom)};
+    InflateRect(&pixels, 1, 1);
+    if (!IntersectRect(&chain.rect, &pixels, &plane->clip)) return;
     if (points == 2)
         StepLine(&chain, p);
     else
-        StepCurve(&chain, p, low, high);
+        StepCurve(&chain, p, box);
     UnionRect(dirty, dirty, &chain.rect);
 }
 

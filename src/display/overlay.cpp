@@ -137,11 +137,6 @@ ZRPATHAPI int32_t ZrPathCropDB(PATHTBL *table, int32_t width, int32_t height)
     if (!table) return 0;
     uint8_t *cropped = DisplayBufferAlloc(width, height);
     if (!cropped) return 0;
-    const int64_t size = static_cast<int64_t>(BufMemSize(cropped));
-    if (width > 0 && height > 0 && size < int64_t{width} * height) { /* more than one buffer can hold */
-        BufFree(cropped);
-        return 0;
-    }
     const int64_t oldSize = static_cast<int64_t>(BufMemSize(table->lpDB));
     const int64_t columns = std::min(width, table->dbWidth);
     const int64_t rows = std::min(height, table->dbHeight);

@@ -52,7 +52,8 @@ void BandEnd(const BANDPEN &band)
 
 void BandLine(HDC hdc, const POINT &from, const POINT &to)
 {
-    bands = {1, from, to};
+    bands.from = from;
+    bands.to = to;
     BandLineAgain(hdc);
 }
 

@@ -83,8 +83,9 @@ int CopySetMake(const PATHREC *head, CHAINLINK next, COPYSET *set, int *last)
 PATHREC *CopyOf(const COPYSET *set, const PATHREC *source)
 {
     const COPYPAIR wanted = {source, nullptr};
-    const COPYPAIR *end = set->byAddress + set->count;
-    const COPYPAIR *found = std::lower_bound(set->byAddress, const_cast<COPYPAIR *>(end), wanted, SourceBefore);
+    const COPYPAIR *first = set->byAddress;
+    const COPYPAIR *end = first + set->count;
+    const COPYPAIR *found = std::lower_bound(first, end, wanted, SourceBefore);
     return found != end && found->source == source ? found->copy : nullptr;
 }
 

@@ -5,6 +5,7 @@
  * into its node.
  */
 #include "display/display.h"
+#include "store/nodes.h"
 
 #include <zr32path/edit.h>
 
@@ -111,7 +112,7 @@ void WalkHandles(HANDLEWALK *walk)
     SEGMENT segment;
     SegWalkStart(walk->path, placeImage, &nodes);
     while ((envelope || walk->used < listPlaces - 1) && SegWalkNext(&nodes, &segment)) {
-        if (segment.kind >= PATHNODE_ELLIPSE) continue; /* shapes have no handles */
+        if (KindIsShape(segment.kind)) continue; /* they have no handles */
         if (envelope)
             HandleEnvelopeNode(walk, &segment);
         else

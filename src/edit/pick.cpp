@@ -6,6 +6,7 @@
  */
 #include "edit/polygon.h"
 #include "edit/select.h"
+#include "geometry/box.h"
 #include "geometry/nearest.h"
 
 #include <algorithm>
@@ -31,11 +32,6 @@ struct HIT {
 
 /* ---- geometry: point p, tolerance t ---- */
 
-int InBox(const POINTDB &low, const POINTDB &high, const POINTDB &p, double t)
-{
-    return p.x >= low.x - t && p.x <= high.x + t && p.y >= low.y - t && p.y <= high.y + t;
-}
-
 /* Left and top edges belong to the node's box, right and bottom edges do not. */
 int PathNearNode(const POINTDB &node, const POINTDB &p, double t)
 {
@@ -50,9 +46,8 @@ uint16_t PositionOf(double part)
 /* position may be null. A line without length is hit at its nodes only. */
 int PathHitLine(const POINTDB &a, const POINTDB &b, const POINTDB &p, double t, uint16_t *position)
 {
-    const POINTDB low = {std::min(a.x, b.x), std::min(a.y, b.y)};
-    const POINTDB high = {std::max(a.x, b.x), std::max(a.y, b.y)};
-    if (!InBox(low, high, p, t)) return 0;
+    const POINTDB ends[2] = {a, b};
+    if (!PointInBox(p, BoxOfPoints(ends, 2), t)) return 0;
     PROJECTION projection;
     Vec2Project(p - a, b - a, &projection);
     if (!(projection.restLength <= t)) return 0;
@@ -62,30 +57,22 @@ int PathHitLine(const POINTDB &a, const POINTDB &b, const POINTDB &p, double t, 
 
 int PathHitCurve(const POINTDB *c, const POINTDB &p, double t, uint16_t *position)
 {
-    const POINTDB low = {std::min({c[0].x, c[1].x, c[2].x, c[3].x}), std::min({c[0].y, c[1].y, c[2].y, c[3].y})};
-    const POINTDB high = {std::max({c[0].x, c[1].x, c[2].x, c[3].x}), std::max({c[0].y, c[1].y, c[2].y, c[3].y})};
-    if (!InBox(low, high, p, t)) return 0; /* the curve lies in that box */
+    if (!PointInBox(p, BoxOfPoints(c, 4), t)) return 0; /* the curve lies in that box */
     NEARPOINT nearest;
     NearestOnCurve(c, p, &nearest);
     *position = PositionOf(nearest.t);
     return std::sqrt(nearest.dist2) <= t;
 }
 
-/* How p lies to the ellipse of radii a and b about (0, 0): negative inside, 0 on it. */
-double EllipseSide(const POINTDB &p, double a, double b)
-{
-    return p.x * p.x * b * b + p.y * p.y * a * a - a * a * b * b;
-}
-
 /* The frame's upright ellipse: its rotation is not used, deliberately. */
 int PathHitEllipse(const POINTDB &a, const POINTDB &b, const POINTDB &p, double t)
 {
-    const POINTDB low = {std::min(a.x, b.x), std::min(a.y, b.y)};
-    const POINTDB high = {std::max(a.x, b.x), std::max(a.y, b.y)};
-    if (!InBox(low, high, p, t)) return 0;
-    const double w = (high.x - low.x) / 2;
-    const double h = (high.y - low.y) / 2;
-    const POINTDB fromCentre = p - (low + high) * 0.5;
+    const POINTDB frame[2] = {a, b};
+    const BOXDB box = BoxOfPoints(frame, 2);
+    if (!PointInBox(p, box, t)) return 0;
+    const double w = (box.right - box.left) / 2;
+    const double h = (box.bottom - box.top) / 2;
+    const POINTDB fromCentre = p - (a + b) * 0.5;
     t = std::min({t, w, h});
     return !(EllipseSide(fromCentre, w - t, h - t) < 0) && !(EllipseSide(fromCentre, w + t, h + t) > 0);
 }

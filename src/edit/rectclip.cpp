@@ -6,6 +6,7 @@
  */
 #include "edit/polygon.h"
 #include "edit/select.h"
+#include "geometry/box.h"
 
 #include <algorithm>
 
@@ -13,35 +14,10 @@ namespace zr32 {
 
 namespace {
 
-/* Of doubles, with left <= right and top <= bottom. */
-struct BOXDB {
-    double left;
-    double top;
-    double right;
-    double bottom;
-};
-
-BOXDB BoxOfPoints(const POINTDB *points, int count)
-{
-    BOXDB box = {points[0].x, points[0].y, points[0].x, points[0].y};
-    for (int i = 1; i < count; i++) {
-        box.left = std::min(box.left, points[i].x);
-        box.top = std::min(box.top, points[i].y);
-        box.right = std::max(box.right, points[i].x);
-        box.bottom = std::max(box.bottom, points[i].y);
-    }
-    return box;
-}
-
 /* Left and top edges are inside, right and bottom edges are not. */
 int PointInRect(const POINTDB &p, const BOXDB &rect)
 {
     return rect.left <= p.x && p.x < rect.right && rect.top <= p.y && p.y < rect.bottom;
-}
-
-int PointInClosed(const POINTDB &p, const BOXDB &rect)
-{
-    return rect.left <= p.x && p.x <= rect.right && rect.top <= p.y && p.y <= rect.bottom;
 }
 
 int BoxesApart(const BOXDB &a, const BOXDB &b)
@@ -59,13 +35,12 @@ int StrictlyWithin(const BOXDB &inner, const BOXDB &outer)
 /* 1 when all four corners of the rectangle lie strictly on one side of the line through the segment. */
 int CornersOneSide(const POINTDB &a, const POINTDB &b, const BOXDB &rect)
 {
-    const POINTDB corners[4] = {
-        {rect.left, rect.top}, {rect.right, rect.top}, {rect.right, rect.bottom}, {rect.left, rect.bottom}};
+    const BOXCORNERS corners = CornersOfBox(rect);
     const POINTDB along = b - a;
     int left = 0;
     int right = 0;
-    for (const POINTDB &corner : corners) {
-        const double side = along.x * (corner.y - a.y) - along.y * (corner.x - a.x);
+    for (int i = 0; i < 4; i++) {
+        const double side = along.x * (corners.p[i].y - a.y) - along.y * (corners.p[i].x - a.x);
         left += side < 0;
         right += side > 0;
     }
@@ -74,7 +49,7 @@ int CornersOneSide(const POINTDB &a, const POINTDB &b, const BOXDB &rect)
 
 int LineCrossesRect(const POINTDB &a, const POINTDB &b, const BOXDB &rect)
 {
-    if (PointInClosed(a, rect) && PointInClosed(b, rect)) return 1;
+    if (PointInBox(a, rect, 0) && PointInBox(b, rect, 0)) return 1;
     const POINTDB ends[2] = {a, b};
     return !BoxesApart(BoxOfPoints(ends, 2), rect) && !CornersOneSide(a, b, rect);
 }
@@ -106,7 +81,7 @@ int CurveCrossesRect(const POINTDB *p, const BOXDB &rect)
 /* 1 for the sides' answer of the upright ellipse with half-widths a and b about (0, 0). */
 int CentredEllipseCrossesRect(double a, double b, const BOXDB &rect)
 {
-    const auto side = [a, b](double x, double y) { return x * x * b * b + y * y * a * a - a * a * b * b; };
+    const auto side = [a, b](double x, double y) { return EllipseSide({x, y}, a, b); };
     const int spansX = rect.left <= 0 && 0 <= rect.right;
     const int spansY = rect.top <= 0 && 0 <= rect.bottom;
     if (spansX && spansY)
@@ -132,12 +107,10 @@ int EllipseCrossesRect(const BOXDB &box, const BOXDB &rect)
     const double b = (box.bottom - box.top) / 2;
     const double cx = (box.left + box.right) / 2;
     const double cy = (box.top + box.bottom) / 2;
-    const POINTDB corners[4] = {
-        {rect.left, rect.top}, {rect.right, rect.top}, {rect.right, rect.bottom}, {rect.left, rect.bottom}};
+    const BOXCORNERS corners = CornersOfBox(rect);
     int inside = 0;
-    for (const POINTDB &p : corners)
-        inside +=
-            PointInClosed(p, box) && (p.x - cx) * (p.x - cx) * b * b + (p.y - cy) * (p.y - cy) * a * a < a * a * b * b;
+    for (int i = 0; i < 4; i++)
+        inside += PointInBox(corners.p[i], box, 0) && EllipseSide(corners.p[i] - POINTDB{cx, cy}, a, b) < 0;
     if (inside == 4) return 0;
     /* From here on the centre counts in whole pixels, deliberately. */
     const double x = TruncInt(cx);
@@ -151,13 +124,9 @@ int BoxCrossesRect(const BOXDB &exact, const BOXDB &rect)
                        static_cast<double>(TruncInt(exact.right)), static_cast<double>(TruncInt(exact.bottom))};
     if (StrictlyWithin(box, rect)) return 1;
     if (BoxesApart(box, rect)) return 0;
-    const POINTDB corners[5] = {{box.left, box.top},
-                                {box.right, box.top},
-                                {box.right, box.bottom},
-                                {box.left, box.bottom},
-                                {box.left, box.top}};
+    const BOXCORNERS corners = CornersOfBox(box);
     for (int side = 0; side < 4; side++)
-        if (LineCrossesRect(corners[side], corners[side + 1], rect)) return 1;
+        if (LineCrossesRect(corners.p[side], corners.p[side + 1], rect)) return 1;
     return 0;
 }
 
@@ -209,11 +178,7 @@ int SegmentCounts(const SEGMENT *segment, const BOXDB &rect, int outline)
             {centre.x, box.top}, {box.right, centre.y}, {centre.x, box.bottom}, {box.left, centre.y}};
         return outline ? EllipseCrossesRect(box, rect) : AnyPointInRect(middles, 4, rect);
     }
-    case PATHNODE_RECTANGLE: {
-        const POINTDB corners[4] = {
-            {box.left, box.top}, {box.right, box.top}, {box.right, box.bottom}, {box.left, box.bottom}};
-        return outline ? BoxCrossesRect(box, rect) : AnyPointInRect(corners, 4, rect);
-    }
+    case PATHNODE_RECTANGLE: return outline ? BoxCrossesRect(box, rect) : AnyPointInRect(CornersOfBox(box).p, 4, rect);
     default: {
         POLYGON polygon;
         if (!PolygonOf(segment, &polygon)) return 0;

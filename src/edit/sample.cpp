@@ -127,17 +127,6 @@ constexpr struct {
 constexpr uint32_t sampleCount = sizeof sampleGroups / sizeof *sampleGroups;
 constexpr uint32_t sampleCurrent = 1;
 
-/* The table takes the view's buffer over. */
-void TakeBuffer(PATHTBL *table, const COORDSTRUCT *view)
-{
-    table->lpDB = view->displayBuffer;
-    table->dbWidth = WrapSub(view->right, view->left);
-    table->dbHeight = WrapSub(view->bottom, view->top);
-    table->dbScrollX = view->scrollX;
-    table->dbScrollY = view->scrollY;
-    table->dbZoom = view->zoom;
-}
-
 } // namespace
 
 extern "C" {
@@ -158,7 +147,8 @@ ZRPATHAPI PATHTBL **AddPathTest(PATHTBL **table, const COORDSTRUCT *view, struct
         group->activePath = sampleGroups[i].make();
     }
     if (!view) return table;
-    TakeBuffer(made, view);
+    made->lpDB = view->displayBuffer; /* the table takes it over */
+    TableNoteView(made, view);
     RECT drawn = {0, 0, 0, 0};
     ZrPathDraw(view, made->groups[sampleCurrent].activePath, &drawn);
     if (dirty && !IsRectEmpty(&drawn)) *dirty = drawn;

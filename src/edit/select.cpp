@@ -5,6 +5,7 @@
  */
 #include "edit/select.h"
 
+#include "store/nodes.h"
 #include <zr32path/display.h>
 
 namespace zr32 {
@@ -67,13 +68,7 @@ ZRPATHAPI int32_t ZrPathDeselectPts(PATHREC *path)
 {
     if (!path || !PathInNodeEdit(path)) return 0;
     path->flags = PATHREC_SELECTED;
-    SEGWALK walk;
-    SEGMENT segment;
-    for (SegWalkStart(path, placeImage, &walk); SegWalkNext(&walk, &segment);) {
-        if (segment.kind >= PATHNODE_ELLIPSE) continue; /* shapes carry no marks */
-        for (uint32_t i = segment.index; i < segment.next; i++)
-            path->nodes[i].type &= static_cast<uint16_t>(~PATHNODE_SELECTED);
-    }
+    ForEachPoint(path, [](PATHNODE *node) { node->type &= static_cast<uint16_t>(~PATHNODE_SELECTED); });
     return 1;
 }
 

@@ -203,6 +203,9 @@ const PATHGROUP *TableCurrentGroup(const PATHTBL *table);
  * beyond what one buffer holds. */
 uint8_t *DisplayBufferAlloc(int32_t width, int32_t height);
 
+/* Notes in the table what its display buffer was set up for. */
+void TableNoteView(PATHTBL *table, const COORDSTRUCT *view);
+
 /* A point on the whole window in image coordinates. */
 tagPOINTDB PathViewToImage(const COORDSTRUCT *view, int32_t x, int32_t y);
 

@@ -28,15 +28,11 @@ COORDSTRUCT *ViewHave(COORDSTRUCT **view)
     return *view;
 }
 
-/* Notes in the table what its buffer was set up for, and ties the view to it. */
+/* Gives the view the table's buffer, which is set up for it. */
 void ViewTie(PATHTBL *table, COORDSTRUCT *view)
 {
     view->displayBuffer = table->lpDB;
-    table->dbWidth = WrapSub(view->right, view->left);
-    table->dbHeight = WrapSub(view->bottom, view->top);
-    table->dbScrollX = view->scrollX;
-    table->dbScrollY = view->scrollY;
-    table->dbZoom = view->zoom;
+    TableNoteView(table, view);
 }
 
 double FromView(int32_t v, int32_t scroll, int32_t zoom)
@@ -53,6 +49,15 @@ uint8_t *DisplayBufferAlloc(int32_t width, int32_t height)
     if (width > 0 && height > 0) size = static_cast<uint64_t>(width) * static_cast<uint64_t>(height);
     if (size > INT32_MAX) return nullptr;
     return static_cast<uint8_t *>(BufAlloc(bufZero, static_cast<size_t>(size)));
+}
+
+void TableNoteView(PATHTBL *table, const COORDSTRUCT *view)
+{
+    table->dbWidth = WrapSub(view->right, view->left);
+    table->dbHeight = WrapSub(view->bottom, view->top);
+    table->dbScrollX = view->scrollX;
+    table->dbScrollY = view->scrollY;
+    table->dbZoom = view->zoom;
 }
 
 tagPOINTDB PathViewToImage(const COORDSTRUCT *view, int32_t x, int32_t y)

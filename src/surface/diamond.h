@@ -2,16 +2,10 @@
 #ifndef ZR32_DIAMOND_H
 #define ZR32_DIAMOND_H
 
+#include "geometry/box.h"
 #include "surface/surface.h"
 
 namespace zr32 {
-
-struct BOXDB {
-    double left;
-    double top;
-    double right;
-    double bottom;
-};
 
 /* Writes a value of the distance plane and a vector where the plane has that pixel and was asked for. */
 inline void PlanePut(const PLANES *planes, int32_t x, int32_t y, double value, const POINTDB &vector)

@@ -32,7 +32,7 @@ void ExpectNear(const PATHREC *path, const std::vector<NODEVALUE> &want, double 
 
 constexpr double oneUnit = 1.0 / 65536;
 
-/* The text's formulas in their plainest form. */
+/* A cubic in the form of Bernstein polynomials. */
 double Bernstein(double a0, double a1, double a2, double a3, double s)
 {
     const double r = 1 - s;
