@@ -1,8 +1,8 @@
 /* edit.h - picking, edits, undo, envelope warps, primitives, text, the pen tool.
  *
  * Edits act on the selection of the table's current group, redraw the display buffer where they say so, and return a
- * dirty rectangle in window coordinates for the caller to repaint. Marks and bands are drawn on a device context by
- * XOR; a null context draws nothing and everything else still happens.
+ * dirty rectangle in window coordinates for the caller to repaint, whose address may be null. Marks and bands are
+ * drawn on a device context by XOR; a null context draws nothing and everything else still happens.
  */
 #ifndef ZR32PATH_EDIT_H
 #define ZR32PATH_EDIT_H
@@ -28,8 +28,10 @@ enum {
  *   path       in: any record of the current group; out: the record hit, or null
  *   node       out: the node hit, or where the segment hit begins
  *   position   out: 0 on a node, else the place along the segment, 0 to 65535
- * Returns 1 when an unselected path was hit (and is now selected, unless queried), 2 for a selected path, 3 for
- * nothing, -1 without a mode. node and position stay on a miss, on -1 and when a shape is hit. */
+ * Returns 1 when an unselected path was hit (and is now selected with all that is joined to it, unless queried), 2 for
+ * a selected path (which is now in node editing when it is the only one), 3 for nothing, -1 without a mode (*path then
+ * stays). node and position stay on a miss, on -1 and when a shape is hit. But for a query the selected chain is made
+ * anew and the group's selected path is that of *path, none where *path is null. */
 ZRPATHAPI int32_t ZrPathPtOn(int32_t x, int32_t y, int32_t modifiers, ZRHDC hdc, const COORDSTRUCT *view,
                              PATHTBL *table, PATHREC **path, uint32_t *node, uint16_t *position);
 
@@ -50,14 +52,15 @@ enum {
     ZRCLIP_DESELECT = 4, /* deselect everything first */
 };
 
-/* Selects the paths that a rectangle relative to the view touches or holds. 1 when at least one was selected, else
- * 2. */
+/* Selects the paths that a rectangle relative to the view touches or holds, its corners in any order, each with all
+ * that is joined to it; what is selected already stays. 1 when at least one was selected, else 2. */
 ZRPATHAPI int32_t ZrPathRectClip(int32_t left, int32_t top, int32_t right, int32_t bottom, PATHTBL *table, ZRHDC hdc,
                                  const COORDSTRUCT *view, int32_t flags);
 
 /* Handle points around the marked anchors of the one selected record, in window coordinates: an array of twelve
  * pairs, ended by (-1, -1), groups divided by (-3, -3). direction 0 fills the list; not 0 writes changed pairs back
- * into the record. Returns the number of pairs in use; 0 without a display buffer or for any other record. */
+ * into the record, whose primitive becomes 0. Returns the number of pairs in use; 0 without a display buffer or for
+ * any other record. */
 ZRPATHAPI int32_t ZrPathSelectedToView(const COORDSTRUCT *view, PATHREC *path, struct tagPOINT *handles,
                                        int32_t direction);
 
@@ -127,14 +130,15 @@ ZRPATHAPI int32_t ZrPathBackupAction(int32_t key, int32_t action, PATHTBL *table
 
 /* Append to the list that the last keyed call loaded, without saving its position: the selected path's address; node 0
  * of the selected path (nothing when there is none); a selection snapshot. The first two store the action code as it
- * is given; codes other than UR_* are stepped over and never removed. */
+ * is given and give 1 always; codes other than UR_* are stepped over and never removed. The third does not read the
+ * code; 1, 0 without memory. */
 ZRPATHAPI int32_t BackupSelected(int32_t action, PATHTBL *table);
 ZRPATHAPI int32_t BackupSelectMove(int32_t action, PATHTBL *table);
 ZRPATHAPI int32_t BackupDuplicate(int32_t action, PATHTBL *table);
 
 /* Steps back or forward. context is a device context (ZRHDC) when the record is UR_SELECTION, and the address of a
- * struct tagRECT that receives the rectangle to repaint when it is UR_MOVE or UR_ENVELOPE. 1; 0 for an empty list or
- * where there is nothing to step over. */
+ * struct tagRECT that receives the rectangle to repaint when it is UR_MOVE or UR_ENVELOPE. 1; 0 for an empty list,
+ * where there is nothing to step over, and without memory: nothing is then changed. */
 ZRPATHAPI int32_t ZrPathUndo(int32_t key, PATHTBL *table, COORDSTRUCT *view, void *context);
 ZRPATHAPI int32_t ZrPathRedo(int32_t key, PATHTBL *table, COORDSTRUCT *view, void *context);
 
@@ -169,7 +173,8 @@ ZRPATHAPI int32_t ZrPathBiCubicV(PATHREC *path, const ZRPOINTFX *points);
 ZRPATHAPI int32_t ZrPathAddBiLinearEnvelope(PATHREC *path, const ZRPOINTFX *points);
 ZRPATHAPI int32_t ZrPathAddBiBezierEnvelope(PATHREC *path, const ZRPOINTFX *points);
 
-/* Read a frame back from its outline record. 1; 0 for a null argument or an unselected record. */
+/* Read a frame back from its outline record. 1; 0 for a null argument, an unselected record or one with too few
+ * nodes. */
 ZRPATHAPI int32_t ZrPathGetBiLinearEnvelope(const PATHREC *path, ZRPOINTFX *points);
 ZRPATHAPI int32_t ZrPathGetBiBezierEnvelope(const PATHREC *path, ZRPOINTFX *points);
 
@@ -187,17 +192,19 @@ enum {
 
 /* A new record of a kind, or a scaled copy of the prototype's chain, over a rectangle dragged on the window in any
  * direction. center not 0: the drag runs from the centre to a corner. aspect not 0: a prototype keeps its
- * proportions. The caller owns the record. 1; 0 for a null view or a drag without width or height. */
+ * proportions. The caller owns the record. 1; 0, with *path as it was, for a null view, a drag or a prototype
+ * without width or height, and without memory. */
 ZRPATHAPI int32_t ZrPathGetPrimitive(int32_t kind, const PATHREC *prototype, PATHREC **path, const COORDSTRUCT *view,
                                      int32_t center, int32_t aspect, const struct tagRECT *drag);
 
-/* The same behind the current group's chain, as the new selection; draws only the marks that it takes off. 1; 0 for a
- * null table or view. */
+/* The same behind the current group's chain, as the new selection; draws only the marks that it takes off. 1, also
+ * where there is no shape to add; 0 for a null table or view. */
 ZRPATHAPI int32_t ZrPathAddPrimitive(ZRHDC hdc, int32_t kind, const PATHREC *prototype, PATHTBL *table,
                                      const COORDSTRUCT *view, int32_t center, int32_t aspect,
                                      const struct tagRECT *drag);
 
-/* A sample table of six groups, with the second current and drawn into the view's buffer. Returns table. */
+/* A sample table of six groups, with the second current and drawn into the view's buffer, which the table takes over.
+ * The caller owns the table; *table is null without memory. Returns table. */
 ZRPATHAPI PATHTBL **AddPathTest(PATHTBL **table, const COORDSTRUCT *view, struct tagRECT *dirty);
 
 /* Parameters of ZrPathCreateText. */
