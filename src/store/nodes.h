@@ -1,8 +1,8 @@
 /* nodes.h - visits the points of a record that edits change.
  *
  * Moves, sizes, warps and 3D transforms all map start, line and curve nodes, a curve's three as plain points, and step
- * over shapes, whose nodes hold other things than points as well and carry no marks. The walk ends where SEGWALK ends: at a kind that no
- * walker knows, or where a segment would reach behind the last node.
+ * over shapes, whose nodes hold other things than points as well and carry no marks. The walk ends where SEGWALK ends:
+ * at a kind that no walker knows, or where a segment would reach behind the last node.
  */
 #ifndef ZR32_NODES_H
 #define ZR32_NODES_H
