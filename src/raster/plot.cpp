@@ -160,23 +160,22 @@ void PlotCurve(const POINTDB *p, PLOTTER *plotter)
 /* ---- ellipses ---- */
 
 /* Half a unit circle as a rational quadratic, from (1, 0) over (0, 1) to (-1, 0): numerator (1 - 2t, 2t - 2t^2), weight
- * 1 - 2t + 2t^2, both times 32768, stepped by forward differences from a first step of 1/4. */
+ * 1 - 2t + 2t^2, both times 32768, stepped by forward differences from a first step of 1/4; x has no second one. */
 struct CONICSTEP {
     double x, y, weight;
     double dx, dy, dWeight;
-    double ddx, ddy, ddWeight;
+    double ddy, ddWeight;
     int64_t t;
     int64_t h;
 };
 
-constexpr CONICSTEP conicStart = {32768, 0, 32768, -16384, 12288, -12288, 0, -8192, 8192, 0, 0x4000};
+constexpr CONICSTEP conicStart = {32768, 0, 32768, -16384, 12288, -12288, -8192, 8192, 0, 0x4000};
 
 void ConicHalve(CONICSTEP *step)
 {
-    step->ddx *= 0.25;
     step->ddy *= 0.25;
     step->ddWeight *= 0.25;
-    step->dx = (step->dx - step->ddx) * 0.5;
+    step->dx *= 0.5;
     step->dy = (step->dy - step->ddy) * 0.5;
     step->dWeight = (step->dWeight - step->ddWeight) * 0.5;
     step->h >>= 1;
@@ -184,10 +183,9 @@ void ConicHalve(CONICSTEP *step)
 
 void ConicDouble(CONICSTEP *step)
 {
-    step->dx = step->dx * 2 + step->ddx;
+    step->dx *= 2;
     step->dy = step->dy * 2 + step->ddy;
     step->dWeight = step->dWeight * 2 + step->ddWeight;
-    step->ddx *= 4;
     step->ddy *= 4;
     step->ddWeight *= 4;
     step->h *= 2;
@@ -198,7 +196,6 @@ void ConicAdvance(CONICSTEP *step)
     step->x += step->dx;
     step->y += step->dy;
     step->weight += step->dWeight;
-    step->dx += step->ddx;
     step->dy += step->ddy;
     step->dWeight += step->ddWeight;
     step->t += step->h;

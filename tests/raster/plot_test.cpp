@@ -1,7 +1,9 @@
-/* plot_test.cpp - outlines as masks: thin chains, ramps, ellipses, directions. */
+/* plot_test.cpp - outlines as masks: thin chains, ramps, ellipses, directions; random input against the plain form. */
 #include "frame/faults.h"
 #include "raster/masks.h"
+#include "raster/plain_plot.h"
 #include "raster/plot.h"
+#include "support/randompath.h"
 #include "support/shapes.h"
 
 #include <cmath>
@@ -18,15 +20,20 @@ struct PLOT {
     PATHBUF directions;
 };
 
-/* Plots a record into 8-bit planes whose first pixel is (0, 0). */
-PLOT PlotOf(const PATHREC *path, int width, int height, bool smooth)
+PLOT EmptyPlot(int width, int height)
 {
-    PLOT plot = {EmptyMask(8, width, height), ZrPathBufAlloc(8, width, height)};
+    return {EmptyMask(8, width, height), ZrPathBufAlloc(8, width, height)};
+}
+
+/* Plots a record into 8-bit planes whose first pixel is (0, 0). */
+PLOT PlotOf(const PATHREC *path, int width, int height, bool smooth, const PLACEMENT &place = PlaceOnMask(1.0, 0, 0))
+{
+    const PLOT plot = EmptyPlot(width, height);
     const PLOTPLANES planes = {plot.mask.buf, plot.directions, BufInfo(plot.mask.buf)};
     if (smooth)
-        PathPlotSmooth(path, PlaceOnMask(1.0, 0, 0), planes);
+        PathPlotSmooth(path, place, planes);
     else
-        PathPlotHard(path, PlaceOnMask(1.0, 0, 0), planes);
+        PathPlotHard(path, place, planes);
     return plot;
 }
 
@@ -101,6 +108,33 @@ TEST(Plot, HardChainsAreConnectedAndThin)
         EXPECT_TRUE(seed % 2 == 0 || ends <= 2);
         ZrPathBufFree(mask.buf);
         RecordFree(path);
+    }
+}
+
+TEST(Plot, RandomPathsEqualThePlainForm)
+{
+    for (unsigned seed = 0; seed < 400; seed++) {
+        SCOPED_TRACE(seed);
+        RANDOM random(seed);
+        const bool smooth = seed % 2;
+        /* Small ones double their steps, large ones halve them, and some leave the planes. */
+        RANDOMSHAPE shape;
+        const int extents[4] = {2, 12, 60, 180};
+        shape.low = seed % 3 == 0 ? -20 : 2;
+        shape.high = shape.low + extents[seed / 2 % 4];
+        shape.shapes = true;
+        PATHREC *path = RandomPath(random, shape);
+        const double zoom = seed % 5 == 0 ? 1.75 : 1.0;
+        const int left = Pick(random, -3, 3), top = Pick(random, -3, 3);
+        const PLOT plot = PlotOf(path, 120, 100, smooth, PlaceOnMask(zoom, left, top));
+        const PLOT plain = EmptyPlot(120, 100);
+        PlainPlot(path, zoom, left, top, smooth, plain.mask.buf, plain.directions);
+        EXPECT_TRUE(SameMask(plain.mask, plot.mask));
+        EXPECT_EQ(0, memcmp(plain.directions, plot.directions, 120 * 100));
+        FreePlot(plot);
+        FreePlot(plain);
+        RecordFree(path);
+        if (HasFailure()) return;
     }
 }
 
@@ -252,6 +286,30 @@ TEST(Plot, SmoothEllipsesLieOnTheirOutlineAndHardOnesAreIgnored)
             RecordFree(path);
         }
     }
+}
+
+TEST(Plot, LargeEllipsesLieOnTheirOutlineToThePixel)
+{
+    /* A circle of radius 30000, looked at through windows all around it. */
+    constexpr double radius = 30000;
+    constexpr int side = 40;
+    PATHREC *path = MakePath({{6, -radius, -radius}, {0x100, radius, radius}, {0x100, 0.3, 0}});
+    for (int i = 0; i < 12; i++) {
+        const double angle = i * 3.14159265358979 / 6;
+        const int left = static_cast<int>(radius * std::cos(angle)) - side / 2;
+        const int top = static_cast<int>(radius * std::sin(angle)) - side / 2;
+        const PLOT plot = PlotOf(path, side, side, true, PlaceOnMask(1.0, left, top));
+        int on = 0;
+        for (int y = 0; y < side; y++)
+            for (int x = 0; x < side; x++) {
+                if (At(plot.mask, x, y) <= 128) continue;
+                on++;
+                EXPECT_NEAR(radius, std::hypot(x + left, y + top), 0.75) << i << ": " << x << ' ' << y;
+            }
+        EXPECT_LT(side / 4, on) << i;
+        FreePlot(plot);
+    }
+    RecordFree(path);
 }
 
 TEST(Plot, EllipsesTurnByTheLowBitOfTheirLastNode)
