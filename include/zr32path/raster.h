@@ -63,7 +63,8 @@ ZRPATHAPI uint8_t *ZrPathBufLineRead(const PATHBUFLOCK *lock, int32_t y);
  *   rects    gets an array of rectangles in zoomed pixels, where each buffer lies
  *   bufs     gets an array of the buffers
  * Returns the number of buffers. The caller frees each buffer with ZrPathBufFree and both arrays with GlobalFree.
- * A null path, a rectangle that no buffer can hold or missing memory gives 0 and null arrays. */
+ * A null path, a rectangle that no buffer can hold or missing memory gives 0 and null arrays. Where memory is missing
+ * only for the tables of a band, a filled mask counts all the same, with its rows from there on left as 0. */
 ZRPATHAPI int32_t ZrPathToBuf(PATHREC *path, int32_t depth, int32_t evenOdd, int32_t aaMode, int32_t scope,
                               ZRFIXED zoom, struct tagRECT **rects, PATHBUF **bufs, int32_t inflate);
 

@@ -63,9 +63,10 @@ typedef struct VMAPPROGRESS {
  *
  * Result: 1; also for a width of 0, or without an envelope record in envelope mode: the planes are then zero-filled.
  * 0, with both planes 0: a null path or width, a mask that is missing, or a pass that the callback has stopped (error
- * 5200). A pass without a mask gives 1 even when it was stopped: null planes tell.
+ * 5200). A pass without a mask gives 1 even when it was stopped, or had no memory (error 1001): null planes tell.
  * 0, with planes zero-filled: an outset without useMask. 0 with error 1001: a plane could not be had; *distOut is 0.
  * 0, with the handles left alone and no callback: no memory for the outline without a mask.
+ * 0 or 1, with planes of which rows may be empty: no memory for the lattice of an envelope or its mask.
  * Code 4 is sent in every case but those two that come before the planes. */
 ZRPATHAPI int32_t ZrPathVMap(PATHREC *path, PATHBUF *distOut, PATHBUF *offsetOut, int32_t evenOdd, int32_t fixedHeight,
                              int32_t envelopeMode, int32_t outset, int32_t noMitre, double *width, int32_t floatVectors,

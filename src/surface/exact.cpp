@@ -283,7 +283,8 @@ int VMapExactDistance(SURFACEEDGES *edges, double width, const SURFACEMAP *map, 
     pass.floatVectors = floatVectors;
     pass.reach = {width, width,
                   Length({static_cast<double>(pass.planes.width), static_cast<double>(pass.planes.height)})};
-    const int ready = NearListAlloc(edges, map, &pass.list);
+    /* Without the columns some pixels would miss their nearest segment and nobody would know. */
+    const int ready = edges->columns && NearListAlloc(edges, map, &pass.list);
     if (ready) {
         ExactRows(edges, map, &pass);
     } else {

@@ -653,7 +653,7 @@ TEST(Exact, RefusesWithoutTableWidthOrPlanes)
     ZrPathDeletePtr(path, 0);
 }
 
-TEST(Exact, WithoutAColumnTableRowsAloneGiveTheCandidates)
+TEST(Exact, WithoutAColumnTableThePlanesAreDroppedAndTheErrorReported)
 {
     PATHREC *path = MakeBox(0, 0, 30, 30);
     SURFACEEDGES edges;
@@ -664,8 +664,12 @@ TEST(Exact, WithoutAColumnTableRowsAloneGiveTheCandidates)
     PATHBUF dist = ZrPathBufAlloc(32, edges.width, edges.height);
     PATHBUF none = nullptr;
     const SURFACEMAP map = {&dist, &none, nullptr, 1.0, edges.originX, edges.originY};
-    EXPECT_EQ(1, VMapExactDistance(&edges, 5.0, &map, 0, 0));
-    ZrPathBufFree(dist);
+    zr32CommReset();
+    EXPECT_EQ(0, VMapExactDistance(&edges, 5.0, &map, 0, 0));
+    EXPECT_EQ(nullptr, dist);
+    ZR32COMMERROR error;
+    EXPECT_EQ(1, zr32CommLastError(&error));
+    EXPECT_EQ(1001, error.words[1]);
     SurfaceEdgesFree(&edges);
     ZrPathDeletePtr(path, 0);
 }
