@@ -34,6 +34,12 @@ inline double Dot(const POINTDB &a, const POINTDB &b)
     return a.x * b.x + a.y * b.y;
 }
 
+/* Above 0 when b points to the side of a that (-y, x) points to. */
+inline double Cross(const POINTDB &a, const POINTDB &b)
+{
+    return a.x * b.y - a.y * b.x;
+}
+
 inline double Length(const POINTDB &a)
 {
     return std::sqrt(a.x * a.x + a.y * a.y);

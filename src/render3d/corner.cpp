@@ -1,9 +1,12 @@
 /* corner.cpp - where one segment of the outline meets the next.
  *
- * Cross-sections stand upright on their own segment, so at a corner two things are left over: the pixel of the corner
- * itself, which each segment may cover only up to the bisector, and, where the outline bends away from the inside, a
- * wedge that no section reaches. The wedge is filled by sections that fan out from the corner.
+ * Cross-sections stand upright on their own segment, so at a corner some things are left over. The pixel of the corner
+ * itself each segment may cover only up to the bisector. Where the outline bends away from the inside, a wedge is
+ * reached by no section: it is filled by sections that fan out from the corner. Where it bends towards the inside, the
+ * bevel is at first too narrow for sections: it has a cap up to the first of them. And where two faces meet without a
+ * ridge, both end at one seam.
  */
+#include "render3d/coverage.h"
 #include "render3d/render.h"
 
 #include <algorithm>
@@ -18,11 +21,6 @@ constexpr double feeler = 0.25;
 
 /* Widest gap between two sections of a fan at their inner ends, output pixels. */
 constexpr double fanGap = 0.5;
-
-double Cross(const POINTDB &a, const POINTDB &b)
-{
-    return a.x * b.y - a.y * b.x;
-}
 
 /* The projected direction of a short way from the corner; 0 when it cannot be seen. */
 int ProjectedWay(const RENDER *render, const POINTDB &at, const POINTDB &way, POINTDB *out)
@@ -59,6 +57,43 @@ void PutCorner(RENDER *render, const JOINT *joint, const POINTDB &own, int side,
     ABufPutEdge(&render->abuf, PixelIndex(at.x), PixelIndex(at.y), sample, &shape);
 }
 
+/* Where the bevel is too narrow for sections, up to the first of them, a segment has the wedge between its edge and the
+ * ridge that runs from the joint to that section's inner end. */
+void PutCap(RENDER *render, const JOINT *joint, const RIMENDS *ends)
+{
+    POINTDB at;
+    if (!RimProject(render, joint->at, &at)) return;
+    SAMPLE rim = ends->rim;
+    const POINTDB ridge = ends->inner - at;
+    if (Length(rim.at - at) == 0 || Length(ridge) == 0) return;
+    const EDGESHAPE shape = {EDGE_CORNER, at, rim.at, ends->inner, ridge * (1 / Length(ridge)), rim.at};
+    const auto first = [](double a, double b, double c) { return std::max(0.0, std::floor(std::min({a, b, c}))); };
+    const auto last = [](double a, double b, double c, int32_t size) {
+        return std::min(size - 1.0, std::floor(std::max({a, b, c})));
+    };
+    const double x0 = first(at.x, rim.at.x, ends->inner.x);
+    const double y0 = first(at.y, rim.at.y, ends->inner.y);
+    const double x1 = last(at.x, rim.at.x, ends->inner.x, render->abuf.info.width);
+    const double y1 = last(at.y, rim.at.y, ends->inner.y, render->abuf.info.height);
+    constexpr double mostPixels = 16384; /* a wedge as large comes from a projection gone wild */
+    if (!((x1 - x0 + 1) * (y1 - y0 + 1) <= mostPixels)) return;
+    for (double y = y0; y <= y1; y++) {
+        for (double x = x0; x <= x1; x++) {
+            const POINTDB origin = {x, y};
+            if (CoverTriangle(at - origin, rim.at - origin, ends->inner - origin))
+                ABufPutEdge(&render->abuf, PixelIndex(x), PixelIndex(y), &rim, &shape);
+        }
+    }
+}
+
+void PutEnd(RENDER *render, const JOINT *joint, const POINTDB &own, int side, const RIMENDS *ends)
+{
+    if (!joint->joined) return;
+    SAMPLE sample = ends->rim;
+    PutCorner(render, joint, own, side, &sample);
+    if (!JointIsSmooth(joint) && !JointBendsAway(joint, side)) PutCap(render, joint, ends);
+}
+
 } // namespace
 
 int JointIsSmooth(const JOINT *joint)
@@ -70,12 +105,8 @@ int JointIsSmooth(const JOINT *joint)
 void CornersDraw(RENDER *render, const CORNERS *corners)
 {
     if (!corners->drawn) return;
-    const JOINT *start = &corners->start;
-    const JOINT *end = &corners->end;
-    SAMPLE sample = corners->firstRim;
-    if (start->joined) PutCorner(render, start, start->after, corners->side, &sample);
-    sample = corners->lastRim;
-    if (end->joined) PutCorner(render, end, end->before * -1, corners->side, &sample);
+    PutEnd(render, &corners->start, corners->start.after, corners->side, &corners->first);
+    PutEnd(render, &corners->end, corners->end.before * -1, corners->side, &corners->last);
 }
 
 int SegmentSide(const RENDER *render, const POINTDB &at, const POINTDB &tangent)
@@ -94,10 +125,10 @@ int JointBendsAway(const JOINT *joint, int side)
     return joint->joined && Cross(joint->before, joint->after) * side < 0;
 }
 
-void FanDraw(RENDER *render, const JOINT *joint, int side, int atStart)
+int FanDraw(RENDER *render, const JOINT *joint, int side, int atStart)
 {
     POINTDB at;
-    if (!JointBendsAway(joint, side) || !RimProject(render, joint->at, &at)) return;
+    if (!JointBendsAway(joint, side) || !RimProject(render, joint->at, &at)) return 0;
     const double half =
         0.5 * std::atan2(std::fabs(Cross(joint->before, joint->after)), Dot(joint->before, joint->after));
     const POINTDB edge = atStart ? joint->after : joint->before;
@@ -105,6 +136,7 @@ void FanDraw(RENDER *render, const JOINT *joint, int side, int atStart)
     render->hold = 1;
     render->holdX = PixelIndex(at.x);
     render->holdY = PixelIndex(at.y);
+    int drawn = 0;
     for (double turn = 0;;) {
         /* The outline turns towards -side; the wedge lies that way from the upright at its end, and the other way at
          * its start. */
@@ -114,8 +146,7 @@ void FanDraw(RENDER *render, const JOINT *joint, int side, int atStart)
         SECTION section;
         FanSection(render, joint->at, {upright.x * c - upright.y * s, upright.x * s + upright.y * c}, edge, &section);
         if (section.reach.x != 0 || section.reach.y != 0) {
-            SectionDraw(render, &section);
-            if (atStart && render->joined == 2) SideEdge(render, 0);
+            drawn += SectionDraw(render, &section);
         } else {
             JoinBreak(render);
         }
@@ -125,6 +156,23 @@ void FanDraw(RENDER *render, const JOINT *joint, int side, int atStart)
         turn = std::min(half, turn + std::max(least, fanGap / std::max(1.0, reach)));
     }
     render->hold = 0;
+    return drawn;
+}
+
+void SeamDraw(RENDER *render, const JOINT *joint, const POINTDB &own, int side)
+{
+    const POINTDB along = joint->before + joint->after;
+    const double length = Length(along);
+    if (!(JointIsSmooth(joint) || JointBendsAway(joint, side)) || length == 0) return;
+    const POINTDB inward = POINTDB{-along.y, along.x} * (side / length);
+    constexpr double beside = 0.5;
+    SECTION section;
+    FanSection(render, joint->at, inward, Dot(own, joint->after) > 0 ? joint->after : joint->before, &section);
+    if (section.reach.x == 0 && section.reach.y == 0) return;
+    StripBuild(render, &section, &render->seam[0]);
+    section.at = section.at + own * beside;
+    StripBuild(render, &section, &render->seam[1]);
+    SideEdge(render, &render->seam[0], &render->seam[1]);
 }
 
 } // namespace zr32

@@ -1,7 +1,9 @@
 /* join.cpp - what closes the gaps between one cross-section and the next.
  *
  * The outer ends run along the rim of the bevel and the inner ends along its ridge; both are walked as edges, which
- * gives them their smooth borders. In between, samples that lie apart are joined by whole pixels.
+ * gives them their smooth borders. In between, samples that lie apart are joined by whole pixels. The edges are drawn
+ * when all sections of a segment stand, since an edge takes a whole sample of its own surface back, but not the other
+ * way round.
  */
 #include "render3d/render.h"
 
@@ -30,21 +32,75 @@ uint32_t MixColour(uint32_t a, uint32_t b, double t)
     return mix;
 }
 
-/* Walks a rim on to its next point. Points closer than gather are left for later, so that a smooth line is walked in
- * its fine steps and misses no pixel that it only clips. */
-void RimTo(RENDER *render, RIMWALK *rim, SAMPLE *to, const POINTDB &inside, double gather)
+/* The edge in every pixel that the line from one sample to the next only clips, which its steps may have missed. */
+void PutClipped(RENDER *render, SAMPLE *from, const SAMPLE *to, const POINTDB &inside)
 {
+    const POINTDB d = to->at - from->at;
+    if (!std::isfinite(d.x) || !std::isfinite(d.y)) return;
+    const auto putAt = [&](double x, double y, const POINTDB &at) {
+        const EDGESHAPE shape = {EDGE_ALONG, at, at + d, inside};
+        ABufPutEdge(&render->abuf, PixelIndex(x), PixelIndex(y), from, &shape);
+    };
+    /* Both pixels at each crossing of a pixel border, columns first. */
+    const double width = render->abuf.info.width;
+    const double height = render->abuf.info.height;
+    const double firstX = std::max(0.0, std::ceil(std::min(from->at.x, to->at.x)));
+    for (double x = firstX; x <= std::min(width, std::max(from->at.x, to->at.x)); x++) {
+        const double y = from->at.y + d.y * ((x - from->at.x) / d.x);
+        putAt(x - 1, y, {x, y});
+        putAt(x, y, {x, y});
+    }
+    const double firstY = std::max(0.0, std::ceil(std::min(from->at.y, to->at.y)));
+    for (double y = firstY; y <= std::min(height, std::max(from->at.y, to->at.y)); y++) {
+        const double x = from->at.x + d.x * ((y - from->at.y) / d.y);
+        putAt(x, y - 1, {x, y});
+        putAt(x, y, {x, y});
+    }
+}
+
+void RimDraw(RENDER *render, RIMSTEP *step)
+{
+    ABufWalkLine(&render->abuf, &step->from, &step->to, step->inside);
+    PutClipped(render, &step->from, &step->to, step->inside);
+}
+
+/* Keeps a piece of a rim until the face stands: where it leaves nothing of a pixel, no later whole sample may fill it
+ * again. Without memory it is drawn at once. */
+void RimKeep(RENDER *render, const SAMPLE *from, const SAMPLE *to, const POINTDB &inside)
+{
+    RIMSTEP step = {*from, *to, inside};
+    RIMLIST *rims = &render->rims;
+    if (rims->count == rims->room) {
+        constexpr uint32_t mostRoom = 1u << 24;
+        const uint32_t room = rims->room ? rims->room * 2 : 256;
+        RIMSTEP *steps = nullptr;
+        if (room <= mostRoom) steps = static_cast<RIMSTEP *>(BufReAlloc(rims->steps, room * sizeof(RIMSTEP), 0));
+        if (!steps) {
+            RimDraw(render, &step);
+            return;
+        }
+        rims->steps = steps;
+        rims->room = room;
+    }
+    rims->steps[rims->count++] = step;
+}
+
+/* Walks a rim on to its next point. Points closer than a pixel are left for later, so that the line is walked in its
+ * fine steps. */
+void RimTo(RENDER *render, RIMWALK *rim, const SAMPLE *to, const POINTDB &inside)
+{
+    constexpr double gather = 1.0;
     if (rim->open && Apart(&rim->from, to) <= gather) return;
-    if (rim->open) ABufWalkLine(&render->abuf, &rim->from, to, inside);
+    if (rim->open) RimKeep(render, &rim->from, to, inside);
     rim->from = *to;
     rim->open = 1;
 }
 
 /* What is left of a rim, from both ends so that the last pixel is not missed. */
-void RimEnd(RENDER *render, RIMWALK *rim, SAMPLE *last, const POINTDB &inside)
+void RimEnd(RENDER *render, RIMWALK *rim, const SAMPLE *last, const POINTDB &inside)
 {
-    ABufWalkLine(&render->abuf, &rim->from, last, inside);
-    ABufWalkLine(&render->abuf, last, &rim->from, inside);
+    RimKeep(render, &rim->from, last, inside);
+    RimKeep(render, last, &rim->from, inside);
     rim->open = 0;
 }
 
@@ -117,20 +173,22 @@ void FillBetween(RENDER *render, const SAMPLE *a, const SAMPLE *b)
     }
 }
 
-void SideEdge(RENDER *render, int ofLast)
+void SideEdge(RENDER *render, const STRIP *strip, const STRIP *other)
 {
-    if (render->joined < 2) return;
-    STRIP *strip = &render->strips[ofLast ? render->current : render->current ^ 1];
-    const STRIP *other = &render->strips[ofLast ? render->current ^ 1 : render->current];
+    if (strip->count == 0 || other->count == 0) return;
+    RIMWALK rim = {strip->rim, 1};
     uint32_t k = 0;
-    for (uint32_t i = 0; i + 1 < strip->count; i++) {
-        SAMPLE *from = &strip->points[i].sample;
-        if (PixelIndex(from->at.x) == PixelIndex(strip->rim.at.x) &&
-            PixelIndex(from->at.y) == PixelIndex(strip->rim.at.y))
-            continue; /* the rim has the corner there */
+    for (uint32_t i = 0; i < strip->count; i++) {
         while (k + 1 < other->count && other->points[k].share < strip->points[i].share) k++;
-        ABufWalkLine(&render->abuf, from, &strip->points[i + 1].sample, other->points[k].sample.at);
+        RimTo(render, &rim, &strip->points[i].sample, other->points[k].sample.at);
     }
+    RimEnd(render, &rim, &strip->points[strip->count - 1].sample, other->points[k].sample.at);
+}
+
+void RimsDraw(RENDER *render)
+{
+    for (uint32_t i = 0; i < render->rims.count; i++) RimDraw(render, &render->rims.steps[i]);
+    render->rims.count = 0;
 }
 
 void JoinBreak(RENDER *render)
@@ -155,11 +213,9 @@ int SectionDraw(RENDER *render, const SECTION *section)
     render->current ^= 1;
     StripDraw(render, strip);
     const POINTDB inside = strip->points[0].sample.at;
-    strip->rim.normal = strip->points[0].sample.normal;
-    strip->rim.facing = strip->points[0].sample.facing;
     if (render->joined) FillStrips(render, before, strip);
-    RimTo(render, &render->outer, &strip->rim, inside, 1.0);
-    RimTo(render, &render->inner, &strip->points[strip->count - 1].sample, inside, 0.0);
+    RimTo(render, &render->outer, &strip->rim, inside);
+    RimTo(render, &render->inner, &strip->points[strip->count - 1].sample, inside);
     render->joined++;
     return 1;
 }

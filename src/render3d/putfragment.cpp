@@ -217,6 +217,12 @@ ABUFFRAG *PriorEdge(const ABUF *abuf, const ABUFPIXEL *pixel, int32_t edge)
     return nullptr;
 }
 
+/* The point of a line that lies nearest to the pixel's centre. */
+POINTDB NearCentre(const POINTDB &at, const POINTDB &unit)
+{
+    return at + unit * Dot(POINTDB{0.5, 0.5} - at, unit);
+}
+
 uint32_t CoverOfShape(const EDGESHAPE *shape, const POINTDB &origin)
 {
     const POINTDB from = shape->from - origin;
@@ -231,10 +237,12 @@ uint32_t CoverOfShape(const EDGESHAPE *shape, const POINTDB &origin)
         const POINTDB d = shape->to - shape->from;
         const POINTDB along = d * (1 / Length(d));
         const POINTDB across = {-along.y, along.x};
-        const uint32_t side =
-            CoverHalfPlane(from, along, Dot(point - from, across) < 0 ? from - across : from + across);
-        return shape->form == EDGE_ALONG ? side
-                                         : side & CoverHalfPlane(from, shape->bound, shape->boundInside - origin);
+        const POINTDB aside = Dot(point - from, across) < 0 ? across * -1 : across;
+        if (shape->form == EDGE_ALONG) return CoverHalfPlane(from, along, from + aside);
+        /* A corner reaches over many pixels: each of its lines is taken where it passes this one. */
+        const POINTDB near = NearCentre(from, along);
+        return CoverHalfPlane(near, along, near + aside) &
+               CoverHalfPlane(NearCentre(from, shape->bound), shape->bound, shape->boundInside - origin);
     }
     case EDGE_TRIANGLE: break;
     }
@@ -279,7 +287,15 @@ void ABufPutEdge(ABUF *abuf, int32_t x, int32_t y, SAMPLE *sample, const EDGESHA
     const ABUFPIXEL before = *pixel;
     if (!PixelIsList(pixel) && pixel->edgeTag == EdgeTag(edge)) *pixel = {};
     const uint32_t cover = CoverOfShape(shape, {static_cast<double>(x), static_cast<double>(y)});
-    if (cover == 0) return;
+    if (cover == 0) {
+        /* No fragment is made for nothing, but one that is there is cut like by any other edge. */
+        ABUFFRAG *same = ListLook(abuf, pixel, edge).same;
+        if (same && (same == prior || same->kind == FRAG_WHOLE)) {
+            same->coverage = 0;
+            same->kind = FRAG_HALFPLANE;
+        }
+        return;
+    }
     const uint32_t kind = shape->form == EDGE_TRIANGLE ? FRAG_TRIANGLE : FRAG_HALFPLANE;
     const ABUFFRAG fresh = MakeFragment(sample->z, SampleColour(sample), cover, kind, edge);
     if (prior) {

@@ -240,6 +240,32 @@ void ReachSettle(const RENDER *render, const POINTDB &at, POINTDB *reach)
     *reach = along * t;
 }
 
+/* Where the outline bends around a point in the middle of the shape, the ways from near that point lead anywhere, and
+ * their directions tell nothing. Their lengths do: past the point, everything else is nearer than where the section
+ * stands. radius is that of the outline's bend, larger than 0 when it bends towards the inside. 0 when something else
+ * ends the section before. */
+double CentreReach(const RENDER *render, const POINTDB &at, const POINTDB &inward, double radius)
+{
+    constexpr double stride = 0.5;
+    constexpr double beyond = 0.75;
+    constexpr double alike = 0.1; /* of the radius */
+    const double longest = std::min(radius * (1 + alike) + 2, render->width);
+    for (double t = std::max(1.0, radius * 0.5); t < longest; t += stride) {
+        const PIXELAT pixel = PixelAt(at + inward * t);
+        if (MaskPixel(render, pixel) != maskInside) return 0;
+        const POINTDB own = POINTDB{pixel.x + 0.5, pixel.y + 0.5} - at;
+        const double x = Length(own) - Length(WaysAt(render, pixel).v1);
+        if (!(x > beyond)) continue;
+        /* Seen from the bend's centre the pixel lies s farther inward and q beside the section: with all of the outline
+         * one radius away, x = s + sqrt(s^2 + q^2). */
+        const double along = Dot(own, inward);
+        const double q2 = Dot(own, own) - along * along;
+        const double reach = along - (x * x - q2) / (2 * x);
+        return std::fabs(reach - radius) <= alike * radius ? std::min(reach, render->width) : 0;
+    }
+    return 0;
+}
+
 /* Shares the way between two ridge points out among the sections between their feet. *reach comes in as found at this
  * section alone. */
 void MitreReach(const RENDER *render, const POINTDB &s, const RIDGE *ridge, double *r, POINTDB *reach, MITRE *mitre)
@@ -290,15 +316,22 @@ double NearReach(const RENDER *render, const POINTDB &segmentStart, const POINTD
 double FanReach(const RENDER *render, const POINTDB &at, const POINTDB &inward, const POINTDB &slope, double longest)
 {
     constexpr double stride = 0.2;
-    constexpr double nearer = 0.5; /* how much nearer another edge must be to count */
-    double t = 2;                  /* up to there the corner itself is what lies nearest */
+    constexpr double nearer = 0.25; /* how much nearer another edge must be to count */
+    double t = 2;                   /* up to there the corner itself is what lies nearest */
     for (; t < longest; t += stride) {
         const PIXELAT pixel = PixelAt(at + inward * t);
         if (MaskPixel(render, pixel) != maskInside) break;
-        const POINTDB centre = POINTDB{pixel.x + 0.5, pixel.y + 0.5};
-        if (Dot(centre - at, slope) > Length(WaysAt(render, pixel).v1) + nearer) break;
+        const POINTDB centre = {pixel.x + 0.5, pixel.y + 0.5};
+        const POINTDB way = WaysAt(render, pixel).v1;
+        const double length = Length(way);
+        if (!(Dot(centre - at, slope) > length + nearer)) continue;
+        /* Both distances change steadily along the section: back to where they are equal. */
+        const POINTDB unit = way * (1 / length);
+        const double rate = Dot(slope + unit, inward);
+        if (rate > 0.1) t = std::clamp((length + Dot(centre - at, unit)) / rate, t - 1.5, t + 1.5);
+        break;
     }
-    return std::min(t, longest);
+    return std::clamp(t, 0.0, longest);
 }
 
 } // namespace
@@ -344,7 +377,7 @@ int InwardSide(const RENDER *render, const POINTDB &at, const POINTDB &normal, P
 }
 
 void SectionAt(const RENDER *render, const POINTDB &segmentStart, const POINTDB &at, const POINTDB &tangent,
-               double tolerance, int nearBend, MITRE *mitre, SECTION *section)
+               double radius, double tolerance, int nearBend, MITRE *mitre, SECTION *section)
 {
     *section = {at, {0, 0}, {0, 0}, {0, 0}};
     const POINTDB s = at + render->maskOrigin;
@@ -378,7 +411,11 @@ void SectionAt(const RENDER *render, const POINTDB &segmentStart, const POINTDB 
     else if (searched)
         MitreReach(render, s, &ridge, &r, &section->reach, mitre);
     if (!std::isfinite(r)) section->reach = {0, 0};
-    if (searched) ReachSettle(render, at, &section->reach);
+    const double centre = searched && radius > 0 ? CentreReach(render, at, section->inward, radius) : 0;
+    if (centre > 0)
+        section->reach = section->inward * centre;
+    else if (searched)
+        ReachSettle(render, at, &section->reach);
 }
 
 void FanSection(const RENDER *render, const POINTDB &at, const POINTDB &inward, const POINTDB &edge, SECTION *section)

@@ -41,21 +41,21 @@ int NearBend(const JOINT *joint, const POINTDB &at, int side)
     return JointBendsAway(joint, side) && Length(at - joint->at) < near;
 }
 
-void DrawAt(RENDER *render, SEGMENTWALK *walk, const POINTDB &at, const POINTDB &tangent)
+void DrawAt(RENDER *render, SEGMENTWALK *walk, const POINTDB &at, const POINTDB &tangent, double radius)
 {
     CORNERS *corners = &walk->corners;
     const int nearBend = NearBend(&corners->start, at, corners->side) || NearBend(&corners->end, at, corners->side);
     SECTION section;
-    SectionAt(render, walk->start, at, tangent, walk->tolerance, nearBend, &walk->mitre, &section);
+    SectionAt(render, walk->start, at, tangent, radius, walk->tolerance, nearBend, &walk->mitre, &section);
     if (section.reach.x == 0 && section.reach.y == 0) {
         JoinBreak(render);
         return;
     }
     if (!SectionDraw(render, &section)) return;
-    corners->lastRim = render->strips[render->current].rim;
-    if (!corners->drawn) corners->firstRim = corners->lastRim;
+    const STRIP *strip = &render->strips[render->current];
+    corners->last = {strip->rim, strip->points[strip->count - 1].sample.at};
+    if (!corners->drawn) corners->first = corners->last;
     corners->drawn++;
-    if (corners->drawn == 2 && render->joined == 2 && JointIsSmooth(&corners->start)) SideEdge(render, 0);
 }
 
 /* The longer axis of a step between two points of the picture, in output pixels. */
@@ -75,8 +75,8 @@ void WalkLine(RENDER *render, const SEGMENT *segment, SEGMENTWALK *walk)
         LineHalve(&step);
     if (step.h > 1) LineHalve(&step); /* within half a pixel */
     for (int64_t i = 0; i * step.h < parameterEnd; i++)
-        DrawAt(render, walk, from + step.d * static_cast<double>(i), to - from);
-    DrawAt(render, walk, to, to - from);
+        DrawAt(render, walk, from + step.d * static_cast<double>(i), to - from, 0);
+    DrawAt(render, walk, to, to - from, 0);
 }
 
 double CurveStepOnOutput(const RENDER *render, const CURVESTEP *step)
@@ -84,23 +84,28 @@ double CurveStepOnOutput(const RENDER *render, const CURVESTEP *step)
     return ProjectedStep(render, step->pos * subPixelOfStep, (step->pos + step->d) * subPixelOfStep);
 }
 
+/* Each sample of a curve stands upright on its own d, the last one too; where d is zero there is none. */
+void DrawOnCurve(RENDER *render, SEGMENTWALK *walk, const CURVESTEP *step, const POINTDB &at)
+{
+    if (step->d.x == 0 && step->d.y == 0) return;
+    const double bend = Cross(step->d, step->dd) * walk->corners.side;
+    const double length = Length(step->d);
+    DrawAt(render, walk, at, step->d, bend > 0 ? length * length * length / bend * subPixelOfStep : 0);
+}
+
 void WalkCurve(RENDER *render, const SEGMENT *segment, SEGMENTWALK *walk)
 {
     CURVESTEP step;
     CurveStart(segment->p, &step);
-    POINTDB tangent = {0, 0};
     while (step.t < parameterEnd) {
         if (step.t + 2 * step.h <= parameterEnd && CurveStepOnOutput(render, &step) < shortestCurveStep)
             CurveDouble(&step);
         while (step.h > 1 && (step.t + step.h > parameterEnd || CurveStepOnOutput(render, &step) > longestCurveStep))
             CurveHalve(&step);
-        if (step.d.x != 0 || step.d.y != 0) {
-            tangent = step.d;
-            DrawAt(render, walk, step.pos * subPixelOfStep, tangent);
-        }
+        DrawOnCurve(render, walk, &step, step.pos * subPixelOfStep);
         CurveAdvance(&step);
     }
-    if (tangent.x != 0 || tangent.y != 0) DrawAt(render, walk, segment->p[3], tangent);
+    DrawOnCurve(render, walk, &step, segment->p[3]);
 }
 
 /* The unit vector from a to the first of the points that differs from it; zero when none does. */
@@ -188,7 +193,7 @@ void RenderSegment(RENDER *render, const SEGMENT *segment, const JOINT *start, c
         const POINTDB at = PointOfSegment(segment, t, &tangent);
         if (tangent.x != 0 || tangent.y != 0) walk.corners.side = SegmentSide(render, at, tangent);
     }
-    FanDraw(render, start, walk.corners.side, 1);
+    const int fanned = FanDraw(render, start, walk.corners.side, 1);
     if (segment->kind == PATHNODE_LINE) {
         walk.tolerance = toleranceOfLine;
         WalkLine(render, segment, &walk);
@@ -196,9 +201,12 @@ void RenderSegment(RENDER *render, const SEGMENT *segment, const JOINT *start, c
         walk.tolerance = toleranceOfCurve;
         WalkCurve(render, segment, &walk);
     }
-    FanDraw(render, end, walk.corners.side, 0);
-    if (JointIsSmooth(end) || JointBendsAway(end, walk.corners.side)) SideEdge(render, 1);
+    if (FanDraw(render, end, walk.corners.side, 0) + fanned + walk.corners.drawn > 0) {
+        SeamDraw(render, start, start->after, walk.corners.side);
+        SeamDraw(render, end, end->before * -1, walk.corners.side);
+    }
     JoinBreak(render);
+    RimsDraw(render);
     CornersDraw(render, &walk.corners);
 }
 

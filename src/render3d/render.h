@@ -49,6 +49,19 @@ struct RIMWALK {
     int open;
 };
 
+/* A piece of a rim that waits for its face. */
+struct RIMSTEP {
+    SAMPLE from;
+    SAMPLE to;
+    POINTDB inside;
+};
+
+struct RIMLIST {
+    RIMSTEP *steps;
+    uint32_t count;
+    uint32_t room;
+};
+
 /* What the reach of a sample's neighbours leaves for it; picture coordinates, one a segment. */
 struct MITRE {
     POINTDB foot; /* of the last ridge */
@@ -74,14 +87,20 @@ struct JOINT {
     int joined; /* two segments meet here */
 };
 
+/* Both ends of a strip. */
+struct RIMENDS {
+    SAMPLE rim;
+    POINTDB inner;
+};
+
 /* Both ends of a segment, and what of it was drawn between them. */
 struct CORNERS {
     JOINT start;
     JOINT end;
     int side;  /* on which side of its direction the inside lies: 1 towards (-y, x), -1, or 0 when not known */
     int drawn; /* how many strips it has */
-    SAMPLE firstRim;
-    SAMPLE lastRim;
+    RIMENDS first;
+    RIMENDS last;
 };
 
 struct RENDER {
@@ -95,12 +114,14 @@ struct RENDER {
     POINTDB maskOrigin;
     POINTDB outOrigin; /* of the band's first pixel */
     double width;
+    STRIP seam[2];   /* where two segments meet, and one beside it */
     STRIP strips[2]; /* the last and the one before */
     int current;     /* which of them is the last */
     int64_t joined;  /* how many strips in a row have been joined, the last one included */
     RIMWALK outer;
     RIMWALK inner;
-    int hold; /* whole samples leave the pixel (holdX, holdY) to the corner that lies in it */
+    RIMLIST rims; /* of the segment under way */
+    int hold;     /* whole samples leave the pixel (holdX, holdY) to the corner that lies in it */
     int32_t holdX;
     int32_t holdY;
 };
@@ -122,10 +143,11 @@ double RidgeDistance(const POINTDB &a, const POINTDB &b, double la, double lb);
 /* Which side of the outline at at is inside, and whether that is plain to see. 0: neither is. */
 int InwardSide(const RENDER *render, const POINTDB &at, const POINTDB &normal, POINTDB *inward, int *isClear);
 
-/* The cross-section at a point of a segment with the given tangent. nearBend: the outline bends away from the inside
+/* The cross-section at a point of a segment with the given tangent and radius of bend towards the inside, 0 for none.
+ * nearBend: the outline bends away from the inside
  * close by, so that the mask cannot be clear although the inside is. mitre carries over from sample to sample. */
 void SectionAt(const RENDER *render, const POINTDB &segmentStart, const POINTDB &at, const POINTDB &tangent,
-               double tolerance, int nearBend, MITRE *mitre, SECTION *section);
+               double radius, double tolerance, int nearBend, MITRE *mitre, SECTION *section);
 
 /* The cross-section at a corner in a given direction, on the face of the edge that runs along the unit vector edge. */
 void FanSection(const RENDER *render, const POINTDB &at, const POINTDB &inward, const POINTDB &edge, SECTION *section);
@@ -151,9 +173,11 @@ void StripsFree(RENDER *render);
 /* Draws the section's strip and closes what lies between it and the one before it. 0 when it has no strip. */
 int SectionDraw(RENDER *render, const SECTION *section);
 
-/* The border of the last strip, or of the one before it, towards the neighbouring segment: it covers on the side of the
- * other strip. */
-void SideEdge(RENDER *render, int ofLast);
+/* A strip that is the border of a face: it covers on the side of the other strip. */
+void SideEdge(RENDER *render, const STRIP *strip, const STRIP *other);
+
+/* Draws the rims that have been walked so far. */
+void RimsDraw(RENDER *render);
 
 /* Ends the rims where they are; nothing before this is joined to what comes. */
 void JoinBreak(RENDER *render);
@@ -182,8 +206,12 @@ int JointIsSmooth(const JOINT *joint);
 void CornersDraw(RENDER *render, const CORNERS *corners);
 
 /* A segment's part of the wedge behind a joint that bends away from the inside: sections from the bisector to the
- * upright one where the segment begins, or from there to the bisector where it ends. */
-void FanDraw(RENDER *render, const JOINT *joint, int side, int atStart);
+ * upright one where the segment begins, or from there to the bisector where it ends. How many it has drawn. */
+int FanDraw(RENDER *render, const JOINT *joint, int side, int atStart);
+
+/* The border between the faces of two segments that meet without a ridge. own points from the joint along the segment.
+ * Both segments cover up to the same line. */
+void SeamDraw(RENDER *render, const JOINT *joint, const POINTDB &own, int side);
 
 } // namespace zr32
 

@@ -106,9 +106,9 @@ void RunStart(const RENDER *render, const SECTION *section, RUN *run)
     const POINTDB middle = LerpPoint(section->at, inner, 0.5);
     const double n =
         std::trunc(ProjectedLength(render, section->at, middle)) + std::trunc(ProjectedLength(render, middle, inner));
-    /* Thin ends of the bevel, at corners and in fine strokes, would open up without a sample; a length that is no
-     * number gives one too. */
-    run->steps = n >= 1 && std::isfinite(n) ? std::min(n, static_cast<double>(maxStripPoints)) : 1;
+    /* Halves that are both shorter than a pixel leave no strip, deliberately; nor does a length that is no number. */
+    run->steps = n >= 1 && std::isfinite(n) ? std::min(n, static_cast<double>(maxStripPoints)) : 0;
+    if (run->steps == 0) return;
     run->at = section->at + render->maskOrigin;
     run->inward = section->reach * (1 / r);
     run->slope = run->inward;
@@ -195,6 +195,7 @@ void StripBuild(RENDER *render, const SECTION *section, STRIP *strip)
     strip->count = 0;
     RUN &run = strip->run;
     RunStart(render, section, &run);
+    if (run.steps == 0) return;
     const double longestPart = std::max(1.0, run.steps / unseenSteps);
     int seen = SampleAt(render, &run, 0, 1, &strip->rim);
     double part = 1;
@@ -217,7 +218,7 @@ void StripBuild(RENDER *render, const SECTION *section, STRIP *strip)
             if (part <= leastPart || (jump <= limit && !SkipsTurn(last, &point->sample))) break;
             part = std::max(leastPart, part * (jump > limit ? std::min(0.9, limit / jump) : 0.5));
         }
-        if (!(next > i)) return; /* a step too small to count */
+        if (!(next > i)) break; /* a step too small to count */
         const int dense = seen && visible && limit == longestStep;
         if (jump < limit * shortStep) part = std::min(dense ? 1.0 : longestPart, part * 2);
         if (dense) part = std::min(part, 1.0);
@@ -229,6 +230,9 @@ void StripBuild(RENDER *render, const SECTION *section, STRIP *strip)
         seen = visible;
         strip->count++;
     }
+    if (strip->count == 0) return;
+    strip->rim.normal = strip->points[0].sample.normal;
+    strip->rim.facing = strip->points[0].sample.facing;
 }
 
 void StripDraw(RENDER *render, STRIP *strip)
@@ -255,10 +259,12 @@ void StripDraw(RENDER *render, STRIP *strip)
 
 void StripsFree(RENDER *render)
 {
-    for (STRIP &strip : render->strips) {
-        if (strip.points) BufFree(strip.points);
-        strip = {};
+    for (STRIP *strip : {&render->strips[0], &render->strips[1], &render->seam[0], &render->seam[1]}) {
+        if (strip->points) BufFree(strip->points);
+        *strip = {};
     }
+    if (render->rims.steps) BufFree(render->rims.steps);
+    render->rims = {};
 }
 
 } // namespace zr32

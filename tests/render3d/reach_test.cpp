@@ -80,7 +80,7 @@ struct BAR {
 SECTION At(BAR *bar, double x, double y, MITRE *mitre, int nearBend = 0)
 {
     SECTION section;
-    SectionAt(&bar->render, {1, y}, {x, y}, {1, 0}, 0.1, nearBend, mitre, &section);
+    SectionAt(&bar->render, {1, y}, {x, y}, {1, 0}, 0, 0.1, nearBend, mitre, &section);
     return section;
 }
 
