@@ -26,11 +26,6 @@ constexpr double unseenSteps = 64;  /* how few steps a section may take where no
 constexpr double noNumber = std::numeric_limits<double>::quiet_NaN();
 constexpr POINTDB nowhere = {noNumber, noNumber};
 
-double ProjectedLength(const RENDER *render, const POINTDB &a, const POINTDB &b)
-{
-    return Length(ProjectFlat(render, b) - ProjectFlat(render, a));
-}
-
 int ProfileIndex(double position)
 {
     constexpr int last = static_cast<int>(profileSteps) - 1;
@@ -99,16 +94,35 @@ double BesidePlane(const RENDER *render, const SAMPLE *sample)
     return std::max(0.0, std::max(x, y));
 }
 
-void RunStart(const RENDER *render, const SECTION *section, RUN *run)
+/* The two halves of a section as they are seen, each cut to whole pixels; at is the rim, half-way and the inner end. */
+double HalvesInPixels(const POINTDB *at)
+{
+    constexpr double rounding = 1e-9; /* what a half of exactly one pixel may lose on the way */
+    return std::trunc(Length(at[1] - at[0]) + rounding) + std::trunc(Length(at[2] - at[1]) + rounding);
+}
+
+/* How many steps a section has: by its place in the picture plane, or by the raised surface where more is seen of that,
+ * as nearly edge-on. Halves that are all shorter than a pixel leave none, deliberately; nor does a length that is no
+ * number. */
+double StepsOf(const RENDER *render, const RUN *run, double reach)
+{
+    POINTDB flat[3];
+    POINTDB raised[3];
+    for (int i = 0; i < 3; i++) {
+        const double r = reach * 0.5 * i;
+        const POINTDB p = run->at + run->inward * r;
+        const double height = PROFILETBL[ProfileIndex(r * run->lean / render->width * profileSteps)].height;
+        flat[i] = SpaceProject(&render->space, p.x, p.y, 0);
+        raised[i] = SpaceProject(&render->space, p.x, p.y, height);
+    }
+    const double steps = std::max(HalvesInPixels(flat), HalvesInPixels(raised));
+    return std::isfinite(steps) ? std::min(steps, static_cast<double>(maxStripPoints)) : 0;
+}
+
+/* 0 when the section is too short for a strip. */
+int RunStart(const RENDER *render, const SECTION *section, RUN *run)
 {
     const double r = Length(section->reach);
-    const POINTDB inner = section->at + section->reach;
-    const POINTDB middle = LerpPoint(section->at, inner, 0.5);
-    const double n =
-        std::trunc(ProjectedLength(render, section->at, middle)) + std::trunc(ProjectedLength(render, middle, inner));
-    /* Halves that are both shorter than a pixel leave no strip, deliberately; nor does a length that is no number. */
-    run->steps = n >= 1 && std::isfinite(n) ? std::min(n, static_cast<double>(maxStripPoints)) : 0;
-    if (run->steps == 0) return;
     run->at = section->at + render->maskOrigin;
     run->inward = section->reach * (1 / r);
     run->slope = run->inward;
@@ -117,8 +131,11 @@ void RunStart(const RENDER *render, const SECTION *section, RUN *run)
         run->slope = section->slope;
         run->lean = Dot(run->inward, run->slope);
     }
+    run->steps = StepsOf(render, run, r);
+    if (run->steps == 0) return 0;
     run->stride = r / run->steps;
     run->index = run->stride / render->width * profileSteps * run->lean;
+    return 1;
 }
 
 /* Room for one more point. 0 when the strip is full or memory short. */
@@ -194,8 +211,7 @@ void StripBuild(RENDER *render, const SECTION *section, STRIP *strip)
 {
     strip->count = 0;
     RUN &run = strip->run;
-    RunStart(render, section, &run);
-    if (run.steps == 0) return;
+    if (!RunStart(render, section, &run)) return;
     const double longestPart = std::max(1.0, run.steps / unseenSteps);
     int seen = SampleAt(render, &run, 0, 1, &strip->rim);
     double part = 1;
