@@ -68,7 +68,7 @@ int PathReserveNodes(PATHREC **path, PATHNODE **first, uint32_t count)
 
 int PathTrimNodes(PATHREC **path)
 {
-    if (!path || !*path) return 0;
+    if (!path || !*path || (*path)->nodeCount > RecordRoom(*path)) return 0;
     const size_t size = RecordBlockSize((*path)->nodeCount);
     return PathHeapReAllocInPlace(PathHeap(), heapNoSerialize, *path, size) != nullptr;
 }

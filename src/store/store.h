@@ -50,7 +50,8 @@ void RecordFree(PATHREC *path);
  * a block that moves. 1; 0 when the resize fails, the record is then unchanged. */
 int PathReserveNodes(PATHREC **path, PATHNODE **first, uint32_t count);
 
-/* Shrinks the block in place to what its nodes need. 1; 0 for null or when the heap cannot. */
+/* Shrinks the block in place to what its nodes need. 1; 0 for null, for a count beyond the block, or when the heap
+ * cannot. */
 int PathTrimNodes(PATHREC **path);
 
 /* ---- chains ---- */

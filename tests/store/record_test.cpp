@@ -211,6 +211,19 @@ TEST_F(Record, PurgeFailsForNullAndWithoutMemory)
     ZrPathDeletePtr(path, 0);
 }
 
+TEST_F(Record, PurgeOfACountBeyondTheBlockLeavesTheBlock)
+{
+    PATHREC *path = ZrPathCreate();
+    for (const uint32_t count : {101u, 0xFFFFFFFFu}) {
+        path->nodeCount = count;
+        EXPECT_EQ(0, ZrPathPurge(&path)) << count;
+        EXPECT_EQ(RecordBlockSize(100), BlockSize(path));
+    }
+    path->nodeCount = 100;
+    EXPECT_EQ(1, ZrPathPurge(&path));
+    ZrPathDeletePtr(path, 0);
+}
+
 TEST_F(Record, CreateWithoutMemoryIsNull)
 {
     FaultSet(ALLOC_PATHHEAP, 1);

@@ -3,6 +3,7 @@
 #include "store/store.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <gtest/gtest.h>
 
 using namespace zr32;
@@ -45,6 +46,26 @@ TEST_F(View, WithoutATableOnlyTheSevenWordsAreSet)
     EXPECT_EQ(nullptr, view->displayBuffer);
     for (uint32_t word : view->reserved) EXPECT_EQ(0u, word);
 }
+
+#if GTEST_HAS_DEATH_TEST && !defined(_WIN32)
+/* In a process of its own, where nothing has run yet. */
+TEST(ViewStart, MakingTheFirstViewStartsTheLibrary)
+{
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    const auto startedByView = [] {
+        const bool before = PathHeap() != nullptr;
+        COORDSTRUCT view = {};
+        COORDSTRUCT *present = &view;
+        ZrPathCoordStruct(0, 0, 10, 10, 0, 0, 1, nullptr, &present);
+        const bool byPresent = PathHeap() != nullptr;
+        COORDSTRUCT *made = nullptr;
+        ZrPathCoordStruct(0, 0, 10, 10, 0, 0, 1, nullptr, &made);
+        ZrPathDeleteCoordStruct(made);
+        return !before && !byPresent && PathHeap() != nullptr;
+    };
+    EXPECT_EXIT(std::exit(startedByView() ? 0 : 1), testing::ExitedWithCode(0), "");
+}
+#endif
 
 TEST_F(View, WithATableMakesTheBufferOnce)
 {
