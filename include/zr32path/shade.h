@@ -24,7 +24,8 @@
  *   reflect    0: offsets are measured from the rim; else from the bevel's inner end, and flatMask is switched on; 1
  *              also leaves out the rim's blend into the level surface
  *   mask       8-bit coverage; pixels of 0 are left alone unless flatMask has them
- *   flatMask   8-bit coverage of the level interior, may be null, unused with reflect 0
+ *   flatMask   8-bit coverage of the level interior, may be null, unused with reflect 0; the shaders raise mask by it,
+ *              to 255 where it is full
  *   spot, spotX, spotY   not 0 makes the light a spot that hangs over the place (percent of the image's size)
  *   specularToAlpha      not 0: highlights also raise the mask
  *   bumpPercent, bumpMap depth in percent and an 8-bit height image; on only when both are given

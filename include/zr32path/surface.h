@@ -29,15 +29,16 @@ typedef struct SURFVECF {
 } SURFVECF;
 
 /* code 1: the map begins, value 0. code 2: a pass has advanced, value a percentage; a result of 0 aborts. code 4: the
- * map is finished, also after a failure. The third argument is always 0. */
+ * map is finished, value 100, also after a failure. The third argument is always 0. Results of codes 1 and 4 are not
+ * looked at. A pass without a mask sends a code 1 of its own, and at its end a code 4 with the number of rows. */
 typedef int32_t (*ZRVMAPCALLBACK)(int32_t code, int32_t value, int32_t zero, intptr_t user);
 
 typedef struct VMAPPROGRESS {
     int32_t active;          /* set to 1 by the exact distance builder */
     ZRVMAPCALLBACK callback; /* may be null */
     intptr_t user;           /* handed back unchanged */
-    int32_t rangeFrom;       /* percentages at which the running pass begins and ends */
-    int32_t rangeTo;
+    int32_t rangeFrom;       /* set by the call: percentages at which the running pass begins and ends, in a pass */
+    int32_t rangeTo;         /* without a mask 0 and the number of rows */
 } VMAPPROGRESS;
 
 /* Makes the surface map of a shape.
@@ -51,7 +52,8 @@ typedef struct VMAPPROGRESS {
  *   noMitre       without a mask: not 0 leaves out the mitres of corners
  *   width         in: reach of the surface in pixels, 0 for no surface; out: overwritten for lone primitives and
  *                 envelopes
- *   floatVectors  without a mask: not 0 writes SURFVECF instead of SURFVEC16
+ *   floatVectors  without a mask: not 0 writes SURFVECF instead of SURFVEC16; a lone primitive (IsOnlyPrimitive) with
+ *                 an outset of 0 always writes SURFVECF, mask or not
  *   useMask       not 0: made against mask, by sweeping the outline; 0: exact, without a mask
  *   mask          an 8-bit mask of the shape from ZrPathToBuf, which sets the map's size; inverted for a time and
  *                 unchanged on return
@@ -59,14 +61,19 @@ typedef struct VMAPPROGRESS {
  *   zoom          map pixels a path unit
  * A sweep walks the whole table chain that path belongs to, but for its last record; a chain is therefore made with a
  * record behind it, such as its envelope's frame. Without a mask the join chain behind path counts.
- * The caller frees the planes with ZrPathBufFree, and the record of the progress stays the caller's.
+ * The caller frees the planes with ZrPathBufFree, and the record of the progress stays the caller's. A pass without a
+ * mask takes the selected and closing bits out of the types of the nodes it measures, in the path itself.
  *
  * Result: 1; also for a width of 0, or without an envelope record in envelope mode: the planes are then zero-filled.
  * 0, with both planes 0: a null path or width, a mask that is missing, or a pass that the callback has stopped (error
- * 5200). A pass without a mask gives 1 even when it was stopped, or had no memory (error 1001): null planes tell.
- * 0, with planes zero-filled: an outset without useMask. 0 with error 1001: a plane could not be had; *distOut is 0.
+ * 5200).
+ * 0, with planes zero-filled: an outset without useMask; an envelope record of no known form; a lone primitive with
+ * fewer nodes than its kind has. 0 too when neither plane was asked for, but for a pass without a mask.
+ * 0 with error 1001: a plane could not be had; *distOut is 0, and *offsetOut as well if it was its turn.
  * 0, with the handles left alone and no callback: no memory for the outline without a mask.
  * 0 or 1, with planes of which rows may be empty: no memory for the lattice of an envelope or its mask.
+ * A pass without a mask gives 1 even when the callback or Esc stopped it, or it had no memory (error 1001): null planes
+ * tell.
  * Code 4 is sent in every case but those two that come before the planes. */
 ZRPATHAPI int32_t ZrPathVMap(PATHREC *path, PATHBUF *distOut, PATHBUF *offsetOut, int32_t evenOdd, int32_t fixedHeight,
                              int32_t envelopeMode, int32_t outset, int32_t noMitre, double *width, int32_t floatVectors,

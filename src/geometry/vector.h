@@ -59,6 +59,18 @@ double Vec3Dot(const double *a, const double *b);
 /* out = a x b; the length of out when wantLength is not 0, else 1; 0 if a pointer is null. */
 double Vec3Cross(const double *a, const double *b, double *out, int wantLength);
 
+/* Vec3Dot inline and without its tests, for inner loops. */
+inline double Dot3(const double *a, const double *b)
+{
+    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
+}
+
+/* How far the view along z, mirrored at the normal n, goes in the direction l: 2 n.z n - (0, 0, 1) times l. */
+inline double MirrorDot(const double *n, const double *l)
+{
+    return 2 * n[2] * n[0] * l[0] + 2 * n[2] * n[1] * l[1] + (2 * n[2] * n[2] - 1) * l[2];
+}
+
 /* A vector taken apart along another. */
 struct PROJECTION {
     POINTDB along;

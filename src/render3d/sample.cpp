@@ -74,11 +74,8 @@ void ABufShade(const double *normal, const double *lightDir, uint32_t *colour)
     uint32_t alpha = *colour >> 24;
     if (alpha < 255) reflectance = reflectanceOfGlass;
 
-    const double *l = lightDirection;
-    const double *n = normal;
-    const double d = std::max(0.0, Vec3Dot(l, n));
-    /* The mirror direction against the view axis. */
-    double e = 2 * n[2] * n[0] * l[0] + 2 * n[2] * n[1] * l[1] + (2 * n[2] * n[2] - 1) * l[2];
+    const double d = std::max(0.0, Dot3(lightDirection, normal));
+    double e = MirrorDot(normal, lightDirection);
     if (!(e >= 0.01)) e = 0;
     const uint32_t highlight = Term(std::pow(e, reflectance.shininess) * reflectance.specular * 255);
 

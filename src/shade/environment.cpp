@@ -107,13 +107,9 @@ void CornerNormal(const WRAPSTATE *st, const CORNERROW &row, int32_t col, int m,
         return;
     }
     ProfileNormal(st->wrap->form, x, y, normal);
-    if (st->bumpOn) {
-        normal[0] -= gx;
-        normal[1] -= gy;
-        VecNormalize(normal);
-    }
+    if (st->bumpOn) Ruffle(gx, gy, normal);
     if (m == 0) return;
-    const double k = 1.0 - m * 0.00392156862745098;
+    const double k = 1.0 - m * byteShare;
     normal[0] = k * normal[0];
     normal[1] = k * normal[1];
     normal[2] = (1 - k) + k * normal[2];
@@ -135,8 +131,8 @@ CORNER CornerAt(const WRAPSTATE *st, const CORNERROW &row, int32_t col)
     if (wrap->form.scale) h = wrap->form.scale * h * 0.03333333333333333;
 
     const double p[3] = {(col - st->centreX) / st->radius, (row.row - st->centreY) / st->radius, h / st->radius};
-    const double b = p[0] * normal[0] + p[1] * normal[1] + p[2] * normal[2];
-    const double t = std::sqrt(b * b - (p[0] * p[0] + p[1] * p[1] + p[2] * p[2] - 1.0)) - b;
+    const double b = Dot3(p, normal);
+    const double t = std::sqrt(b * b - (Dot3(p, p) - 1.0)) - b;
     double qx = t * normal[0] + p[0];
     double qy = t * normal[1] + p[1];
     if (wrap->floats) qx = qx / std::sqrt(1.0 - qy * qy);

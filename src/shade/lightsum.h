@@ -53,17 +53,6 @@ enum LIGHTPLACE {
     PLACE_SEAM_SECOND /* the second of a seam in the first pass */
 };
 
-inline double Dot3(const double *a, const double *b)
-{
-    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
-}
-
-/* The mirrored view vector in the direction of a light. */
-inline double MirrorDot(const double *n, const double *l)
-{
-    return 2 * n[2] * n[0] * l[0] + 2 * n[2] * n[1] * l[1] + (2 * n[2] * n[2] - 1) * l[2];
-}
-
 /* ---- spots ---- */
 
 /* How high a spot hangs over the image: a cone with one light, a sphere with several. Highest over the middle. */

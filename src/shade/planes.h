@@ -1,16 +1,20 @@
 /* planes.h - rows of the shaders' buffers, read safely: what a buffer does not have reads as 0.
  *
- * Offset records in both forms are read here and nowhere else, and so is the slope of a bump map.
+ * Offset records in both forms are read here and nowhere else, and so are bump maps: their slopes, and what they do to
+ * a normal.
  */
 #ifndef ZR32_SHADEPLANES_H
 #define ZR32_SHADEPLANES_H
 
+#include "geometry/vector.h"
 #include "raster/raster.h"
 #include <zr32path/surface.h>
 
 #include <cstring>
 
 namespace zr32 {
+
+constexpr double byteShare = 0.00392156862745098; /* 1 / 255 */
 
 /* One row of a buffer; count pixels, 0 for a row that does not exist. */
 struct SHADEROW {
@@ -105,6 +109,14 @@ inline void BumpSlopes(const SHADEROW &row, const SHADEROW &above, int32_t x, do
     const int value = ByteAt(row, x);
     *gy = BumpSlope(value, ByteAt(above, x), scale);
     *gx = x == 0 ? 0.0 : BumpSlope(value, ByteAt(row, x - 1), scale);
+}
+
+/* A normal on a surface of those slopes. */
+inline void Ruffle(double gx, double gy, double *normal)
+{
+    normal[0] -= gx;
+    normal[1] -= gy;
+    VecNormalize(normal);
 }
 
 } // namespace zr32

@@ -13,6 +13,7 @@ namespace {
 
 constexpr int halfEntries = 2048;
 constexpr int bevelEntries = 4096;
+constexpr double entryShare = 0.000244140625; /* 1 / 4096 */
 
 /* The arguments of the last build; at load they match a build of nothing. */
 struct PROFILEMEMO {
@@ -50,7 +51,7 @@ using ARCFORM = PROFILEENTRY (*)(double d, double radius, double width, int32_t 
 /* One arc of the full width, level behind it. */
 void BuildWhole(ARCFORM form, double width, int32_t invert)
 {
-    const double step = width * 0.000244140625;
+    const double step = width * entryShare;
     for (int i = 0; i < profileEntries; i++) {
         const double d = i * step;
         PROFILETBL[i] = d < width ? form(d, width, width, invert) : flatEntry;
@@ -59,7 +60,7 @@ void BuildWhole(ARCFORM form, double width, int32_t invert)
 
 void BuildChamfer(double width, int32_t invert)
 {
-    const double step = width * 0.000244140625;
+    const double step = width * entryShare;
     for (int i = 0; i < profileEntries; i++) {
         const double d = i * step;
         const double reached = d < width ? d : width;
@@ -70,7 +71,7 @@ void BuildChamfer(double width, int32_t invert)
 /* Two arcs of half the width, level behind them; a mirrored second arc is the first one read backwards. */
 void BuildHalves(ARCFORM first, ARCFORM second, bool mirrored, double width, int32_t invert)
 {
-    const double step = width * 0.000244140625;
+    const double step = width * entryShare;
     const double half = width * 0.5;
     for (int i = 0; i < halfEntries; i++) PROFILETBL[i] = first(i * step, half, width, invert);
     for (int i = 0; i < halfEntries; i++) {

@@ -14,8 +14,6 @@ namespace zr32 {
 
 namespace {
 
-constexpr double byteShare = 0.00392156862745098; /* 1 / 255 */
-
 /* One offset of a pixel, lit. */
 struct LITPOINT {
     double z;      /* of the normal */
@@ -107,25 +105,18 @@ template <MODEL model> void AddPoint(const SHADESTATE *st, const LITPOINT &point
 
 /* ---- one offset ---- */
 
-void Ruffle(const SHADESTATE *st, double *normal)
-{
-    normal[0] -= st->gx;
-    normal[1] -= st->gy;
-    VecNormalize(normal);
-}
-
 /* Lights the surface at an offset, bump included. Leaves the call's normal behind. */
 template <MODEL model> void LightAt(SHADESTATE *st, double x, double y, int firstPass, LITPOINT *point)
 {
     ProfileNormal(st->job->form, &x, &y, st->normal);
     point->weight = RIMBLEND.weight;
     if (RIMBLEND.weight == 0) {
-        if (st->bumpOn) Ruffle(st, st->normal);
+        if (st->bumpOn) Ruffle(st->gx, st->gy, st->normal);
         LightSum<model>(&st->lights, st->normal, PLACE_PLAIN, &point->lit[0]);
     } else {
         if (st->bumpOn) {
-            Ruffle(st, RIMBLEND.first);
-            Ruffle(st, RIMBLEND.second);
+            Ruffle(st->gx, st->gy, RIMBLEND.first);
+            Ruffle(st->gx, st->gy, RIMBLEND.second);
         }
         LightSum<model>(&st->lights, RIMBLEND.first, PLACE_SEAM, &point->lit[0]);
         LightSum<model>(&st->lights, RIMBLEND.second, firstPass ? PLACE_SEAM_SECOND : PLACE_SEAM, &point->lit[1]);
@@ -256,7 +247,7 @@ template <MODEL model> void ShadeFlat(SHADESTATE *st, const PIXELROWS &rows, uin
 
     OFFSETPAIR offset = OffsetAt(rows.normals, st->col, 0);
     ProfileNormal(job->form, &offset.x1, &offset.y1, st->normal);
-    if (st->bumpOn) Ruffle(st, st->normal);
+    if (st->bumpOn) Ruffle(st->gx, st->gy, st->normal);
     LIT lit;
     LightSum<model>(&st->lights, st->normal, PLACE_PLAIN, &lit);
     int64_t acc[3] = {AmbientOf<model>(st, 0), AmbientOf<model>(st, 1), AmbientOf<model>(st, 2)};

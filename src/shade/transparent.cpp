@@ -1,6 +1,5 @@
 /* transparent.cpp - glass: coverage lowered by how much the surface faces the viewer. */
 #include "frame/frame.h"
-#include "geometry/vector.h"
 #include "shade/normal.h"
 #include "shade/planes.h"
 
@@ -79,9 +78,7 @@ ZRPATHAPI int32_t ZrPathTransparentMask(PATHBUF mask, int32_t facePercent, int32
                 double gx;
                 double gy;
                 BumpSlopes(bump, above, x, bumpScale, &gx, &gy);
-                normal[0] -= gx;
-                normal[1] -= gy;
-                VecNormalize(normal);
+                Ruffle(gx, gy, normal);
             }
             row.pixels[x] = static_cast<uint8_t>(TranspLookup(normal[2], face) * row.pixels[x] / 255);
         }

@@ -6,6 +6,7 @@
  */
 #include "surface/exact.h"
 #include "comm/zr32comm.h"
+#include "surface/offsetmerge.h"
 
 #include <algorithm>
 #include <utility>
@@ -167,11 +168,6 @@ void VMapMinVector(POINTDB *v)
     }
 }
 
-int16_t VectorWord(double v)
-{
-    return static_cast<int16_t>(TruncInt(v * 256));
-}
-
 /* A ridge: another edge at nearly the same distance, at more than about 70 degrees to the first. */
 int FindSecondVector(const POINTDB &p, NEARLIST *list, POINTDB *second)
 {
@@ -196,12 +192,10 @@ SURFVEC16 VectorsOfPixel(int inside, NEARLIST *list)
 {
     POINTDB p = NearAt(0, list)->vector;
     VMapMinVector(&p);
-    SURFVEC16 words = {VectorWord(p.x), VectorWord(p.y), 0, 0};
+    SURFVEC16 words = {};
+    SetFirstVector(p, &words);
     POINTDB second;
-    if (inside && FindSecondVector(p, list, &second)) {
-        words.x2 = VectorWord(second.x);
-        words.y2 = VectorWord(second.y);
-    }
+    if (inside && FindSecondVector(p, list, &second)) SetSecondVector(second, &words);
     return words;
 }
 

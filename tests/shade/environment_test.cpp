@@ -290,6 +290,51 @@ TEST(Environment, BumpNeedsBothItsArguments)
     EXPECT_NE(0, memcmp(plain.target.buf, both.target.buf, plain.target.Bytes()));
 }
 
+/* The target with a bump map against the one without: 1 where a pixel differs. */
+std::vector<int> RuffledPixels(const BUFFER &bump)
+{
+    LEVEL plain(8, 8, 60, 60, 3), ruffled(8, 8, 60, 60, 3);
+    CASE p = plain.Case(), r = ruffled.Case();
+    r.bumpPercent = 100;
+    r.bump = &bump;
+    Fast(p, plain.target, 3);
+    Fast(r, ruffled.target, 3);
+    std::vector<int> differs;
+    for (int i = 0; i < 64; i++)
+        differs.push_back(memcmp(plain.target.At(i % 8, i / 8), ruffled.target.At(i % 8, i / 8), 3) != 0);
+    return differs;
+}
+
+/* A map without slopes but at its left border: the left corners of column 0 do not see what lies left of it. A step
+ * between columns 0 and 1 is seen by the right corners of column 0 and the left ones of column 1. */
+TEST(Environment, LeftCornersOfColumn0HaveNoSlopeToTheLeftAndRightOnesHave)
+{
+    BUFFER even(8, 8, 8), step(8, 8, 8);
+    memset(even.buf, 200, even.Bytes());
+    for (int i = 0; i < 64; i++) step.buf[i] = i % 8 ? 200 : 0;
+    EXPECT_EQ(std::vector<int>(64, 0), RuffledPixels(even));
+    const std::vector<int> differs = RuffledPixels(step);
+    for (int i = 0; i < 56; i++) EXPECT_EQ(i % 8 < 2, differs[static_cast<size_t>(i)]) << i;
+}
+
+/* A step between rows 0 and 1 of the map: target row 0 sees it at its upper corners, row 1 not, though its upper
+ * corners stand on the step. One between rows 1 and 2 is seen at the lower corners of row 1 and the upper ones of
+ * row 2.
+ */
+TEST(Environment, InTargetRow1UpperCornersHaveNoSlopeUpwards)
+{
+    for (int last : {0, 1}) {
+        BUFFER bump(8, 8, 8);
+        for (int i = 0; i < 64; i++) bump.buf[i] = i / 8 > last ? 200 : 0;
+        const std::vector<int> differs = RuffledPixels(bump);
+        for (int i = 0; i < 56; i++) {
+            const int row = i / 8;
+            const int seen = i % 8 < 7 && (last == 0 ? row == 0 : row == 1 || row == 2);
+            EXPECT_EQ(seen, differs[static_cast<size_t>(i)]) << last << ", " << i;
+        }
+    }
+}
+
 TEST(Environment, ABumpMapOfOneRowIsReadAsIfItWentOn)
 {
     LEVEL one(10, 10, 40, 40, 3), many(10, 10, 40, 40, 3);

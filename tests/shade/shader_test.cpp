@@ -172,16 +172,28 @@ TEST(Shader, ABumpMapWithoutDepthIsNotRead)
     Phong(without, 0, nullptr, 0, 0, 50, nullptr); /* depth without a map is off too */
 }
 
+/* A level surface seen along a normal (x, y, 1), under a light from the viewer. */
+int RuffledValue(double x, double y)
+{
+    const double z = 1 / std::sqrt(x * x + y * y + 1);
+    const double S = 2 * z * z - 1;
+    const int highlight = S < 0.01 ? 0 : int(255 * (std::pow(S, 28.0) * (80 * 0.01)));
+    return std::min(int(20 * 0.01 * 100) + int(100 * (z * (80 * 0.01 * 0.3 + 0.7))) + highlight, 255);
+}
+
+/* A slope is the difference to the left and above, times the depth, over 128. */
 TEST(Shader, SlopesAreZeroInTheFirstRowAndColumn)
 {
     KnownState();
-    SCENE s(2, 2), level(2, 2);
-    s.bump[0] = 200; /* its neighbours see a slope, itself none */
-    Phong(s, 0, nullptr, 0, 0, 100, s.bump);
-    Phong(level);
-    EXPECT_EQ(level.image[0], s.image[0]);
-    EXPECT_NE(level.image[3], s.image[3]);
-    EXPECT_NE(level.image[6], s.image[6]);
+    SCENE s(2, 2);
+    const uint8_t heights[4] = {200, 136, 104, 72};
+    memcpy(s.bump, heights, 4);
+    Phong(s, 0, nullptr, 0, 0, 50, s.bump, 0, 0, 1);
+    EXPECT_EQ(RuffledValue(0, 0), s.image[0]) << "200 lies above nothing and right of nothing";
+    EXPECT_EQ(RuffledValue(0.25, 0), s.image[3]) << "-64 from the left, half of it over 128";
+    EXPECT_EQ(RuffledValue(0, 0.375), s.image[6]) << "-96 from above";
+    EXPECT_EQ(RuffledValue(0.125, 0.25), s.image[9]) << "-32 and -64";
+    EXPECT_NE(RuffledValue(0.25, 0), RuffledValue(0, 0.375));
 }
 
 TEST(Shader, AFloatRecordWithoutSurfaceKeepsItsColourAndWordsAreShadedLevel)
@@ -216,21 +228,68 @@ TEST(Shader, ANegativeDistanceHasNoSecondOffset)
     EXPECT_NE(0, memcmp(inside.image, two.image, 3));
 }
 
+TEST(Shader, APixelOutsideTheShapeTakesATenthOfItsOffsetReversed)
+{
+    KnownState();
+    SCENE outside(1, 1), inside(1, 1);
+    outside.SetVector(0, 0, {640, -1280, 0, 0}); /* (2.5, -5) */
+    outside.SetDistance(0, 0, -31);
+    inside.SetFloats(0, 0, {-0.25F, 0.5F});
+    Phong(outside);
+    Phong(inside, 0, nullptr, 1);
+    EXPECT_EQ(inside.image[0], outside.image[0]);
+    EXPECT_NE(LevelValue(100), outside.image[0]);
+}
+
+/* On a chamfer, two edges that face differently: the nearer one, the first, gets 0.71 x the difference + 0.5. */
+TEST(Shader, ASecondOffsetIsMixedInUpToSevenTenthsOfAPixel)
+{
+    static const struct {
+        int16_t second;
+        double mix; /* 1: the second plays no part */
+    } cases[] = {{512, 0.5},
+                 {-512, 0.5},
+                 {640, 0.5 + 0.5 * 0.71},
+                 {384, 0.5 + 0.5 * 0.71},
+                 {691, 0.5 + 179 / 256.0 * 0.71},
+                 {692, 1},
+                 {333, 0.5 + 179 / 256.0 * 0.71},
+                 {332, 1}};
+    for (const auto &c : cases) {
+        KnownState();
+        SCENE both(1, 1), first(1, 1), second(1, 1);
+        both.SetVector(0, 0, {-512, 0, 0, c.second});
+        first.SetVector(0, 0, {-512, 0, 0, 0});
+        second.SetVector(0, 0, {0, c.second, 0, 0});
+        for (SCENE *s : {&both, &first, &second})
+            ZrPathShadePhong(s->image, 8, 1, 0, 0, 0, s->distance, s->normals, 0, s->mask, nullptr, 0, 0, 0, -0.6, 0,
+                             0.8, 0, 0, 0, nullptr);
+        EXPECT_EQ(int(first.image[0] * c.mix + second.image[0] * (1 - c.mix)), both.image[0]) << c.second;
+        EXPECT_GT(first.image[0], second.image[0] + 20);
+    }
+}
+
 TEST(Shader, HighlightsInTheMaskAreFourTimesAsStrongForTheLengthOfTheCall)
 {
     KnownState();
-    SCENE s(1, 1);
-    memset(s.mask, 10, 1);
-    memset(s.image, 0, 3);
-    const double before = SHADELIGHTS.factors.specular[0];
+    SHADELIGHTS.factors.specular[0] = 0.125;
+    SCENE s(1, 1), clear(1, 1), full(1, 1);
+    for (SCENE *each : {&s, &clear, &full}) {
+        memset(each->mask, 10, 1);
+        memset(each->image, 0, 3);
+    }
     Phong(s, 0, nullptr, 0, 1, 0, nullptr, 0, 0, 1); /* light from the viewer: S is 1 */
-    EXPECT_EQ(before, SHADELIGHTS.factors.specular[0]);
-    EXPECT_EQ(255, s.mask[0]); /* 0.8 x 4 x 255 is above 255 */
-    EXPECT_EQ(255, s.image[0]);
-    SCENE clear(1, 1);
-    memset(clear.image, 0, 3);
+    EXPECT_EQ(0.125, SHADELIGHTS.factors.specular[0]);
+    EXPECT_EQ(127, s.image[0]);     /* 0.125 x 4 x 255 = 127.5 */
+    EXPECT_EQ(127 + 10, s.mask[0]); /* cut before it is added */
     Phong(clear, 0, nullptr, 0, 0, 0, nullptr, 0, 0, 1);
-    EXPECT_EQ(204, clear.image[0]); /* 0.8 x 255 */
+    EXPECT_EQ(31, clear.image[0]); /* 0.125 x 255 = 31.875 */
+    EXPECT_EQ(10, clear.mask[0]);
+    SHADELIGHTS.factors.specular[0] = 0.8;
+    Phong(full, 0, nullptr, 0, 1, 0, nullptr, 0, 0, 1);
+    EXPECT_EQ(255, full.image[0]);
+    EXPECT_EQ(255, full.mask[0]);
+    EXPECT_EQ(0.8, SHADELIGHTS.factors.specular[0]);
 }
 
 TEST(Shader, SpotHeightIsFullOverTheMiddleAndCutAtTheCorner)
@@ -242,6 +301,9 @@ TEST(Shader, SpotHeightIsFullOverTheMiddleAndCutAtTheCorner)
                      nullptr);
     const int full = int(20 * 0.01 * 100) + int(100 * (80 * 0.01 * 0.3 + 0.7)) + int(255 * (80 * 0.01));
     EXPECT_EQ(std::min(full, 255), s.image[9]);
+    /* Pixel (0, 0) lies 50 to the left and 50 up: c = 70.71 / sqrt(5000 + 70.71^2) = 0.70710, to the 4th 0.24999.
+     * Diffuse 94 x 0.25 = 23.49, highlight 204 x 0.24999 = 50.99: with 1 over the square root of 2 it would be 51. */
+    EXPECT_EQ(20 + 23 + 50, s.image[0]);
     /* At (0, 0) the height is 0: v lies in the image's plane and a light from the viewer gives nothing but ambient. */
     SCENE corner(2, 2);
     ZrPathShadePhong(corner.image, 8, 0, 0, 0, 0, corner.distance, corner.normals, 0, corner.mask, nullptr, 1, 0, 0, 0,

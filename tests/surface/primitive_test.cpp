@@ -269,6 +269,103 @@ TEST(Primitive, DiamondMiddleRowByHand)
     ZrPathDeletePtr(path, 0);
 }
 
+void ExpectPixel(const FIELD &field, int x, int y, double value, double vx, double vy)
+{
+    EXPECT_NEAR(value, double(field.Dist(x, y)), 1e-4) << x << ", " << y;
+    EXPECT_NEAR(vx, double(field.Vector(x, y).x), 1e-5) << x << ", " << y;
+    EXPECT_NEAR(vy, double(field.Vector(x, y).y), 1e-5) << x << ", " << y;
+}
+
+/* Row 25 of the same diamond: k = 0.5, from xl = 14 to xr = 26. Its edges have the normals (-+10, 12) / sqrt(244), so a
+ * pixel that lies a columns inside is a x 10 / sqrt(244) away. */
+TEST(Primitive, DiamondLowerRowByHand)
+{
+    FIELD field(40, 40);
+    PATHREC *path = Diamond(20, 20, 12, 10);
+    double h = 10;
+    ASSERT_EQ(1, VMapPrimitive(path, &h, &field.map));
+    const double column = 10 / std::sqrt(244.0);
+    const double nx = 10 / std::sqrt(244.0);
+    const double ny = 12 / std::sqrt(244.0);
+    /* Pixel 14 lies on the edge: it moves 0.01 to the right, so its vector is -0.1 x 0.01 columns. */
+    const double rim = -0.1 * 0.01 * column;
+    ExpectPixel(field, 13, 25, 0.01, -rim * nx, rim * ny);
+    ExpectPixel(field, 14, 25, 0.01, -rim * nx, rim * ny);
+    ExpectPixel(field, 15, 25, column * column, -column * nx, column * ny);
+    /* The middle has h x k = 5, pixel 15 a sixth of that; five steps between. */
+    for (int x = 16; x <= 20; x++) {
+        const double e = 5.0 * (x - 14) / 6;
+        ExpectPixel(field, x, 25, e * e, -e * nx, e * ny);
+    }
+    /* The right side is measured from column 21 on, which has h x k again. */
+    for (int x = 21; x <= 25; x++) {
+        const double e = 5.0 * (26 - x) / 5;
+        ExpectPixel(field, x, 25, e * e, e * nx, e * ny);
+    }
+    /* Pixel 26 moves outwards: its vector w = -0.1 x 0.01 columns, written as (w.x, w.x) and (w.y, as it was). */
+    ExpectPixel(field, 26, 25, 0.01, -rim * nx, -rim * nx);
+    ExpectPixel(field, 27, 25, 0.01, -rim * ny, 0);
+    EXPECT_NE(field.Vector(26, 25).x, field.Vector(27, 25).x);
+    EXPECT_EQ(0.0F, field.Dist(12, 25));
+    EXPECT_EQ(0.0F, field.Dist(28, 25));
+    ZrPathDeletePtr(path, 0);
+}
+
+/* Row 15, in the upper half: k = (1 + 15 - 10) / 10, measured at y = 16, from xl = 12.8 to xr = 27.2. */
+TEST(Primitive, DiamondUpperRowByHand)
+{
+    FIELD field(40, 40);
+    PATHREC *path = Diamond(20, 20, 12, 10);
+    double h = 10;
+    ASSERT_EQ(1, VMapPrimitive(path, &h, &field.map));
+    const double nx = 10 / std::sqrt(244.0);
+    const double ny = 12 / std::sqrt(244.0);
+    const double rim = 0.1 * 0.8 * nx; /* pixel 12 lies 0.8 columns outside */
+    ExpectPixel(field, 11, 15, 0.01, -rim * nx, -rim * ny);
+    /* The end, pixel 13, and the pixel before it have 0.1 and the vector of the first pixel of the ramp, which has 1.
+     */
+    ExpectPixel(field, 12, 15, 0.1, -nx, -ny);
+    ExpectPixel(field, 13, 15, 0.1, -nx, -ny);
+    for (int x = 14; x <= 20; x++) {
+        const double e = 6 * (x - 12.8) / 7.2;
+        ExpectPixel(field, x, 15, e * e, -e * nx, -e * ny);
+    }
+    for (int x = 21; x <= 27; x++) {
+        const double e = 6 * (27.2 - x) / 6.2;
+        ExpectPixel(field, x, 15, e * e, e * nx, -e * ny);
+    }
+    const double last = 6 * 0.2 / 6.2;
+    ExpectPixel(field, 28, 15, 0.01, last * nx, -last * ny);
+    EXPECT_EQ(field.Vector(27, 15).x, field.Vector(28, 15).x);
+    EXPECT_EQ(0.0F, field.Dist(10, 15));
+    EXPECT_EQ(0.0F, field.Dist(29, 15));
+    ZrPathDeletePtr(path, 0);
+}
+
+/* The first row, k = 0.1, measured at y = 11. Where an end meets the middle no ramp runs: the pixel outside is a copy.
+ */
+TEST(Primitive, DiamondTipWithoutARampCopiesItsEnd)
+{
+    FIELD narrow(40, 40);
+    PATHREC *path = Diamond(20, 20, 8, 10); /* xl = 19.2: its end, pixel 20, is the middle */
+    double h = 10;
+    ASSERT_EQ(1, VMapPrimitive(path, &h, &narrow.map));
+    const double e = 0.8 * 10 / std::sqrt(164.0);
+    ExpectPixel(narrow, 19, 10, e * e, -e * 10 / std::sqrt(164.0), -e * 8 / std::sqrt(164.0));
+    /* xr = 20.8: pixel 20 is the right end too and is written from its own measuring; behind it is rim. */
+    ExpectPixel(narrow, 20, 10, e * e, e * 10 / std::sqrt(164.0), -e * 8 / std::sqrt(164.0));
+    EXPECT_EQ(0.01F, narrow.Dist(21, 10));
+    ZrPathDeletePtr(path, 0);
+
+    FIELD wide(40, 40);
+    path = Diamond(20, 20, 15, 10); /* xr = 21.5: its end, pixel 21, is the column behind the middle, h x k = 1 */
+    ASSERT_EQ(1, VMapPrimitive(path, &h, &wide.map));
+    ExpectPixel(wide, 21, 10, 1, 10 / std::sqrt(325.0), -15 / std::sqrt(325.0));
+    ExpectPixel(wide, 22, 10, 1, 10 / std::sqrt(325.0), -15 / std::sqrt(325.0));
+    EXPECT_EQ(0.0F, wide.Dist(23, 10));
+    ZrPathDeletePtr(path, 0);
+}
+
 TEST(Primitive, RefusesWhatIsNoLonePrimitiveOrTooShort)
 {
     FIELD field(10, 10);
@@ -279,7 +376,7 @@ TEST(Primitive, RefusesWhatIsNoLonePrimitiveOrTooShort)
     EXPECT_EQ(0, VMapPrimitive(path, &h, &field.map));
     for (int32_t kind : {1, 3, 4, 5}) {
         path->primitive = kind;
-        path->nodeCount = kind == 4 ? 3 : 3;
+        path->nodeCount = 3;
         EXPECT_EQ(0, VMapPrimitive(path, &h, &field.map)) << kind;
     }
     path->primitive = 2;
