@@ -3,6 +3,7 @@
 #include "edit/undo.h"
 #include "support/document.h"
 #include "support/pendriver.h"
+#include "support/randompath.h"
 #include "support/undolists.h"
 
 #include <gtest/gtest.h>
@@ -114,5 +115,54 @@ TEST(BadInput, DeletingNodesTakesEveryBadRecord)
             EXPECT_EQ(ZrPathDelete(doc.table, doc.view, nullptr), 1);
             EXPECT_LE(doc.Active() ? path->nodeCount : 0, bad.nodes.size()) << bad.name;
         }
+    }
+}
+
+/* Records of up to fourteen nodes with any codes, some of them marked, in any order. */
+TEST(BadInput, EveryEditTakesRandomCodes)
+{
+    constexpr uint16_t codes[] = {2, 2,     2,     3,     4,     4,      4,      5, 6,    6,
+                                  7, 0x100, 0x101, 0x200, 0x400, 0x2004, 0x2005, 0, 0x800};
+    for (unsigned seed = 0; seed < 100; seed++) {
+        SCOPED_TRACE(seed);
+        RANDOM random(seed);
+        std::vector<TESTNODE> nodes;
+        for (int count = Pick(random, 0, 14); count > 0; count--) {
+            const uint16_t mark = Pick(random, 0, 1) ? PATHNODE_SELECTED : 0;
+            const uint16_t code = codes[Pick(random, 0, static_cast<int>(std::size(codes)) - 1)];
+            nodes.push_back(
+                {static_cast<uint16_t>(code | mark), Pick(random, -20, 60) / 2.0, Pick(random, -20, 60) / 2.0});
+        }
+        FreeAllUndo();
+        DOCUMENT doc(50, 50);
+        PATHREC *path = doc.Add(MakePath(nodes));
+        doc.Add(MakeBox(5, 5, 20, 20));
+        doc.Select({path});
+        path->flags = PATHREC_NODEEDIT;
+        doc.Draw();
+        POINT handles[12];
+        ZrPathSelectedToView(doc.view, path, handles, 0);
+        for (POINT &handle : handles) handle.x += Pick(random, -1, 1);
+        ZrPathSelectedToView(doc.view, path, handles, 1);
+        EditEverything(doc, path);
+    }
+    FreeAllUndo();
+}
+
+TEST(BadInput, DeletingNodesTakesEveryRecordOfFiveNodes)
+{
+    constexpr uint16_t codes[] = {2, 4, 6, 0x8002, 0x8004, 0x8006};
+    DOCUMENT doc(50, 50);
+    for (unsigned record = 0; record < 6 * 6 * 6 * 6 * 6; record++) {
+        std::vector<TESTNODE> nodes;
+        for (unsigned i = 0, rest = record; i < 5; i++, rest /= 6) nodes.push_back({codes[rest % 6], 5.0 * i, 5.0});
+        PATHREC *path = doc.Add(MakePath(nodes));
+        doc.Select({path});
+        path->flags = PATHREC_NODEEDIT;
+        ASSERT_EQ(ZrPathDelete(doc.table, doc.view, nullptr), 1);
+        ASSERT_TRUE(path->nodeCount >= 1 && path->nodeCount <= 5) << record;
+        path->nodeCount = 0;
+        ASSERT_EQ(ZrPathDelete(doc.table, doc.view, nullptr), 1);
+        ASSERT_EQ(doc.Active(), nullptr);
     }
 }
