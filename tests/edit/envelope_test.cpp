@@ -145,6 +145,16 @@ TEST(Envelope, TheGettersRefuseNullUnselectedAndTooShort)
     EXPECT_EQ(ZrPathGetBiBezierEnvelope(path, read), 0);
     ZrPathDeletePtr(path, 0);
 
+    /* The ring less its closing node is enough. */
+    for (const uint32_t nodes : {3u, 4u, 7u, 8u}) {
+        path = MakeCircle(0, 0, 5);
+        path->flags = PATHREC_SELECTED;
+        path->nodeCount = nodes;
+        EXPECT_EQ(ZrPathGetBiLinearEnvelope(path, read), nodes >= 4);
+        EXPECT_EQ(ZrPathGetBiBezierEnvelope(path, read), nodes >= 8);
+        ZrPathDeletePtr(path, 0);
+    }
+
     path = MakeCircle(0, 0, 5);
     EXPECT_EQ(ZrPathGetBiLinearEnvelope(path, read), 0);
     EXPECT_EQ(ZrPathGetBiBezierEnvelope(path, read), 0);

@@ -104,6 +104,42 @@ TEST(Sample, TheTextGroupsAreWarpedAndPlaced)
     EXPECT_EQ(contours, 14u) << "nine letters, and an inner contour in each A, D, P and R";
 }
 
+TEST(Sample, TheTextsAreThoseOfTheirFonts)
+{
+    const SAMPLE sample;
+    if (!sample.Path(1)) GTEST_SKIP() << "a build without fonts";
+    constexpr ZRFIXED one = 65536;
+    constexpr ZRPOINTFX frame[] = {{0, 150 * one},         {100 * one, 0},        {200 * one, 0},
+                                   {300 * one, 150 * one}, {0, 200 * one},        {100 * one, 350 * one},
+                                   {200 * one, 350 * one}, {300 * one, 200 * one}};
+    const struct {
+        uint32_t group;
+        const char *text, *family;
+        DWORD charSet;
+        const ZRPOINTFX *frame;
+    } cases[] = {{1, "SANDPIPER", "Times New Roman", ANSI_CHARSET, frame},
+                 {5, "efgh", "Monotype Sorts", SYMBOL_CHARSET, nullptr}};
+    for (const auto &c : cases) {
+        TEXTDC dc = TextDcMake(c.family, 100, 0, c.charSet);
+        std::string text = c.text;
+        TEXTPARAM param = {};
+        param.output = 1021;
+        PATHREC *want = nullptr;
+        RECT place;
+        ZrPathCreateText(dc.dc, text.data(), &param, &want, &place);
+        if (c.frame) ZrPathBiCubic(want, c.frame);
+        ZrPathOffset(want, 0, 0);
+        const PATHREC *got = sample.Path(c.group);
+        for (const PATHREC *record = want; record; record = record->nextPath, got = got->nextPath) {
+            ASSERT_NE(got, nullptr);
+            EXPECT_EQ(NodesOf(got), NodesOf(record)) << c.text;
+        }
+        EXPECT_EQ(got, nullptr);
+        ZrPathDeletePtr(want, 0);
+        TextDcFree(&dc);
+    }
+}
+
 TEST(Sample, TheCurrentGroupIsDrawn)
 {
     const SAMPLE sample;

@@ -228,6 +228,16 @@ TEST_F(UndoSelection, PathsBeyondTheNodeBitAreNotRecorded)
     EXPECT_EQ(Words(), (WORDLIST{0, 0x7FFF}));
 }
 
+TEST_F(UndoSelection, NodesBeyondTheNodeBitAreNotRecorded)
+{
+    std::vector<TESTNODE> nodes(0x8001, {2, 1, 1});
+    nodes[0].type = 6;
+    PATHREC *d = doc.Add(MakePath(nodes));
+    EditNodes(d, {0x7FFF, 0x8000});
+    Backup(UR_SELECTION);
+    EXPECT_EQ(Words(), (WORDLIST{3, 0xFFFF}));
+}
+
 TEST_F(UndoSelection, WithoutMemoryNothingChanges)
 {
     doc.Select({a});
