@@ -11,8 +11,12 @@ namespace zr32fuzz {
 /* Starts the library and puts all module state that exports can reach into a known state. */
 void SceneReset();
 
-/* Traps when blocks of an allocator are left that were not there at the last SceneReset. */
+/* Traps when blocks of an allocator are left that were not there at the last SceneReset; undo lists go first. */
 void SceneCheckLeaks();
+
+void Check(bool holds);
+
+/* ---- records ---- */
 
 /* A record of up to 40 nodes of any codes whose points lie within reach pixels of the origin; flags as decoded. */
 PATHREC *TakeRecord(BYTES *bytes, int32_t reach);
@@ -20,19 +24,57 @@ PATHREC *TakeRecord(BYTES *bytes, int32_t reach);
 /* A chain of one to six records, linked by the table chain and, by bits of the input, by join and selected chain. */
 PATHREC *TakeChain(BYTES *bytes, int32_t reach);
 
-/* A buffer of up to 40 x 40 pixels (or null) filled from the input, the rest repeating it. */
+/* The number of records of a table chain from its head, each one's links answered by the record that they lead to, its
+ * nodes within its block; traps otherwise. */
+uint32_t CheckChain(const PATHREC *head);
+
+/* Every group of the table by CheckChain, active paths heads, selected paths among the group's records. */
+void CheckTable(const PATHTBL *table);
+
+/* The zoom, at most 1.0, at which no side of the chain's box is longer than limit pixels. */
+ZRFIXED FitZoom(const PATHREC *path, int32_t limit);
+
+/* 1 when the chain's box has no side above limit pixels at zoom 1.0, for passes that take no zoom. */
+bool SmallEnough(const PATHREC *path, int32_t limit);
+
+/* The points of a warp, within reach pixels of the origin. */
+void TakeFrame(BYTES *bytes, int32_t reach, ZRPOINTFX points[8]);
+
+/* ---- buffers ---- */
+
+/* A buffer of at most 40 x 40 pixels (or null) filled from the input, the rest repeating it. */
 PATHBUF TakeBuffer(BYTES *bytes, int32_t bits);
+
+/* The same in a size that the caller says, unless the input asks for another. */
+PATHBUF TakeBufferOf(BYTES *bytes, int32_t bits, int32_t width, int32_t height);
 
 void FreeBuffer(PATHBUF buffer);
 
-/* 1 when the masks of the chain at this zoom have sides of at most limit pixels. */
-int SmallEnough(const PATHREC *path, ZRFIXED zoom, int32_t limit);
+/* Frees what ZrPathToBuf has given; the first mask stays when kept is not null. */
+void FreeMasks(int32_t count, RECT *rects, PATHBUF *bufs, PATHBUF *kept);
 
-/* A memory device context of 64 x 48 pixels that lives as long as the process. */
+/* ---- surroundings ---- */
+
+/* A device context of the input's choice: none, a bitmap of 64 x 48, one of 1 x 1, none selected, or a host's table
+ * without functions. They live as long as the process. */
+HDC TakeDC(BYTES *bytes);
+
+/* The bitmap of 64 x 48. */
 HDC SceneDC();
 
-/* Counts calls and stops at the one that the scene chose. */
+/* A transform: a rotation about an axis or any nine numbers, seen from anywhere. */
+POINTFXMAT3D TakeCamera(BYTES *bytes);
+
+/* Counts calls and stops at the one that the scene chose; user is the address of an int32_t. */
 int32_t SceneProgress(int32_t code, int32_t value, int32_t zero, intptr_t user);
+
+/* One step over a document's undo list, with the context that its record asks for. */
+void UndoStep(int32_t key, bool forward, PATHTBL *table, COORDSTRUCT *view, HDC hdc, RECT *dirty);
+
+/* ---- fonts: the platform's font services answer from the input while a font is set ---- */
+
+/* The bytes tell how the font answers: metrics, widths, outlines made by hand and damaged, or any bytes. */
+void FontSet(const BYTES &bytes);
 
 } // namespace zr32fuzz
 
