@@ -12,7 +12,7 @@ using namespace zr32fuzz;
 
 namespace {
 
-constexpr int32_t mostSide = 100;
+constexpr int32_t mostSide = 48;
 constexpr int32_t profiles[] = {0, 0, 1, 100, 101, 102, 103, 104, 7};
 
 /* A zoom that keeps the shape below the largest side: that one, a smaller one, or one that turns it over. */

@@ -93,7 +93,7 @@ PATHREC *TakeRecord(BYTES *bytes, int32_t reach)
         path->nodes[i].type = i == 0 && pick < 250 ? uint16_t{PATHNODE_START}
                               : pick == 255        ? Take<uint16_t>(bytes)
                                                    : codes[pick % 16];
-        const bool anywhere = pick >= 252;
+        const bool anywhere = pick == 254;
         path->nodes[i].x = anywhere ? Take<int32_t>(bytes) : TakeRange(bytes, -reach * 16, reach * 16) * 4096;
         path->nodes[i].y = anywhere ? Take<int32_t>(bytes) : TakeRange(bytes, -reach * 16, reach * 16) * 4096;
     }
@@ -135,12 +135,11 @@ uint32_t CheckChain(const PATHREC *head)
     uint32_t count = 0;
     Check(!head || !head->prevPath);
     for (const PATHREC *path = head; path; path = path->nextPath) {
-        for (const zr32::CHAIN &chain : {zr32::tableChain, zr32::joinChain, zr32::selectedChain}) {
-            const PATHREC *next = path->*chain.next;
-            const PATHREC *prev = path->*chain.prev;
-            Check(!next || (InChain(head, next) && next->*chain.prev == path));
-            Check(!prev || (InChain(head, prev) && prev->*chain.next == path));
-        }
+        Check(!path->nextPath || path->nextPath->prevPath == path);
+        Check(!path->nextJoin || (InChain(head, path->nextJoin) && path->nextJoin->prevJoin == path));
+        Check(!path->prevJoin || (InChain(head, path->prevJoin) && path->prevJoin->nextJoin == path));
+        Check(!path->nextSel || InChain(path->nextPath, path->nextSel));
+        Check(!path->prevSel || InChain(path->prevSel->nextPath, path));
         Check(path->nodeCount <= zr32::RecordRoom(path));
         Check(++count < 10000);
     }
@@ -159,7 +158,7 @@ void CheckTable(const PATHTBL *table)
 ZRFIXED FitZoom(const PATHREC *path, int32_t limit)
 {
     RECT rect = {0, 0, 0, 0};
-    ZrPathGetAllMiniMaxRect(path, 0x10000, &rect);
+    ZrPathGetAllMiniMaxRect(zr32::ChainFirst(zr32::tableChain, path), 0x10000, &rect);
     const int64_t side = std::max(int64_t{rect.right} - rect.left, int64_t{rect.bottom} - rect.top);
     return side <= limit ? 0x10000 : std::max(static_cast<ZRFIXED>(int64_t{0x10000} * limit / side), 1);
 }

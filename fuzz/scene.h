@@ -24,14 +24,15 @@ PATHREC *TakeRecord(BYTES *bytes, int32_t reach);
 /* A chain of one to six records, linked by the table chain and, by bits of the input, by join and selected chain. */
 PATHREC *TakeChain(BYTES *bytes, int32_t reach);
 
-/* The number of records of a table chain from its head, each one's links answered by the record that they lead to, its
- * nodes within its block; traps otherwise. */
+/* The number of records of a table chain from its head. Traps unless the links of table and join chain are answered by
+ * the record that they lead to, those of the selected chain lead on in the order of the table chain (flags say who is
+ * selected: the chain is rebuilt from them), and nodes lie within their block. */
 uint32_t CheckChain(const PATHREC *head);
 
 /* Every group of the table by CheckChain, active paths heads, selected paths among the group's records. */
 void CheckTable(const PATHTBL *table);
 
-/* The zoom, at most 1.0, at which no side of the chain's box is longer than limit pixels. */
+/* The zoom, at most 1.0, at which no side of the whole chain's box is longer than limit pixels. */
 ZRFIXED FitZoom(const PATHREC *path, int32_t limit);
 
 /* 1 when the chain's box has no side above limit pixels at zoom 1.0, for passes that take no zoom. */

@@ -46,11 +46,10 @@ void PathRebuildSelected(PATHREC *path)
 {
     PATHREC *last = nullptr;
     for (PATHREC *record = PathChainFirst(path); record; record = record->nextPath) {
+        record->prevSel = nullptr;
+        record->nextSel = nullptr;
         if (!PathIsSelected(record)) continue;
-        if (last)
-            ChainLink(selectedChain, last, record);
-        else
-            record->prevSel = nullptr;
+        if (last) ChainLink(selectedChain, last, record);
         last = record;
     }
 }

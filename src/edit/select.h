@@ -23,8 +23,8 @@ void PathSelectJoinedFromHead(ZRHDC hdc, PATHREC *path, const COORDSTRUCT *view)
  * unselected record stays as it is. */
 void PathDeselect(ZRHDC hdc, PATHREC *path, const COORDSTRUCT *view, int draw);
 
-/* Links the selected records of the table chain that path belongs to, in table order. The first one's prevSel is
- * cleared; the last one's nextSel is left as it is, since deselecting has cleared it. */
+/* Links the selected records of the table chain that path belongs to, in table order, and no others: records that a
+ * stream has left on the chain without being selected leave it. */
 void PathRebuildSelected(PATHREC *path);
 
 } // namespace zr32

@@ -235,14 +235,17 @@ PATHREC *RecordFromBlob(const BLOB *blob)
     return path;
 }
 
-/* Links record i to the first record from i on that has the number; where none does there is no link. */
+/* Links record i to the first record from i on that has the number; where none does there is no link. Of two links to
+ * one record the later holds: a record that two lead to would stay in a chain after it has gone. */
 void LinkByNumber(const CHAIN &chain, const READING *reading, uint32_t i, uint32_t number)
 {
     const NUMBEREDENTRY wanted = {number, i};
     const NUMBEREDENTRY *end = reading->sorted + reading->count;
     const NUMBEREDENTRY *found = std::lower_bound<const NUMBEREDENTRY *>(reading->sorted, end, wanted, NumberBefore);
-    if (number != 0 && found != end && found->number == number)
-        ChainLink(chain, reading->records[i].record, reading->records[found->index].record);
+    if (number == 0 || found == end || found->number != number) return;
+    PATHREC *target = reading->records[found->index].record;
+    if (target->*chain.prev) target->*chain.prev->*chain.next = nullptr;
+    ChainLink(chain, reading->records[i].record, target);
 }
 
 /* Makes a record of every blob; 0, with nothing left, without memory. */

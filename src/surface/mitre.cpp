@@ -79,7 +79,7 @@ static int FanHasLeft(const SWEEP *sweep, const MITREEND *end, const POINTDB &b)
  * spike's meeting point can be practically endless far away; the fan ends where it has left the raster for good. */
 static void FillFan(const SWEEP *sweep, MITREEND *end, double count)
 {
-    if (!(sweep->reach < farthestRay)) return; /* its lines begin where positions no longer move */
+    if (!(std::fabs(sweep->reach) < farthestRay)) return; /* its lines begin where positions no longer move */
     for (double i = 1; i <= count; i++) {
         const POINTDB b = end->rayEnd + end->tangent * i;
         end->foot = end->foot + end->tangent;

@@ -175,3 +175,16 @@ TEST(Select, RebuiltChainHoldsTheSelectedRecordsInTableOrder)
     }
     PathRebuildSelected(nullptr);
 }
+
+TEST(Select, RebuildingTakesLinksOfADamagedStreamAway)
+{
+    GROUP g;
+    g.path[1]->flags = S;
+    ChainLink(selectedChain, g.path[1], g.path[2]);
+    ChainLink(selectedChain, g.path[3], g.path[4]);
+    PathRebuildSelected(g.path[0]);
+    for (const PATHREC *p : g.path) {
+        EXPECT_EQ(p->prevSel, nullptr);
+        EXPECT_EQ(p->nextSel, nullptr);
+    }
+}

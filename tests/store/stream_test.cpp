@@ -335,7 +335,7 @@ TEST_F(Stream, OnlyForwardLinksAreMatched)
         {"the last record is not visited", {10, 20, 30}, {0, 0, 30}, {-1, -1, -1}, {-1, -1, -1}},
         {"first match from the record on", {10, 30, 30}, {30, 0, 0}, {1, -1, -1}, {-1, 0, -1}},
         {"a match in front is passed over", {30, 20, 30}, {0, 30, 0}, {-1, 2, -1}, {-1, -1, 1}},
-        {"two links to one record: the later writes the link back", {10, 20, 30}, {30, 30, 0}, {2, 2, -1}, {-1, -1, 1}},
+        {"of two links to one record the later holds", {10, 20, 30}, {30, 30, 0}, {-1, 2, -1}, {-1, -1, 1}},
         {"nothing matches", {10, 20, 30}, {99, 98, 97}, {-1, -1, -1}, {-1, -1, -1}},
     };
     for (const auto &c : cases) {

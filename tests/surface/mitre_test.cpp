@@ -222,7 +222,7 @@ TEST(MitreFill, NegativeWidthEnds)
 {
     PATHREC *head = MakeChain({RandomShape(3, 50, 50, 30)});
     FIELD field(head, true);
-    for (double width : {-0.5, -1.0, -2.0, -100.0, -1e12, -HUGE_VAL})
+    for (double width : {-0.5, -1.0, -2.0, -100.0, -1e12, -1e18, -1e98, -HUGE_VAL})
         EXPECT_EQ(1, zr32::VMapMitreFill(head, width, &field.map, field.mask));
     FreeChain(head);
 }
