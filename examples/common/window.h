@@ -1,4 +1,4 @@
-/* window.h - a window to capture the mouse for, as small as the system lets it be. */
+/* window.h - a window to capture the mouse for: one that is never shown, so that it needs no display. */
 #ifndef EXAMPLES_WINDOW_H
 #define EXAMPLES_WINDOW_H
 
@@ -7,7 +7,7 @@
 #if defined(_WIN32)
 inline HWND MakeWindow()
 {
-    return CreateWindowA("STATIC", "", 0, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
+    return CreateWindowA("STATIC", "", 0, 0, 0, 10, 10, HWND_MESSAGE, nullptr, nullptr, nullptr);
 }
 
 inline void FreeWindow(HWND window)

@@ -409,6 +409,6 @@ TEST(GlyphPaths, EveryFailedAllocationLeavesNothing)
             break;
         }
     }
-    EXPECT_GE(failed, 4);
+    EXPECT_GE(failed, 3) << "each of the records; growing as well where the heap has to move the block";
     GlyphTableFree(table);
 }

@@ -1,6 +1,7 @@
 #include "frame/faults.h"
 #include "store/store.h"
 #include "support/document.h"
+#include "support/system.h"
 #include "support/textdc.h"
 
 #include <gtest/gtest.h>
@@ -25,18 +26,12 @@ struct SAMPLE {
         view.bottom = 300;
         view.zoom = 1;
         view.displayBuffer = DisplayBufferAlloc(400, 300);
-#if !defined(_WIN32)
-        PortWindowState()->dc = withWindow ? text.dc : nullptr;
-#else
-        (void)withWindow;
-#endif
+        SetWindowContext(withWindow ? text.dc : nullptr);
         EXPECT_EQ(AddPathTest(&table, &view, &dirty), &table);
     }
     ~SAMPLE()
     {
-#if !defined(_WIN32)
-        PortWindowState()->dc = nullptr;
-#endif
+        SetWindowContext(nullptr);
         if (!table) BufFree(view.displayBuffer);
         ZrPathTblDelete(table);
         TextDcFree(&text);
@@ -151,8 +146,6 @@ TEST(Sample, TheCurrentGroupIsDrawn)
     EXPECT_GT(sample.dirty.right, 250);
 }
 
-#if !defined(_WIN32)
-
 TEST(Sample, WithoutAForegroundWindowTheTextGroupsAreEmpty)
 {
     const SAMPLE sample(false);
@@ -164,16 +157,15 @@ TEST(Sample, WithoutAForegroundWindowTheTextGroupsAreEmpty)
 
 TEST(Sample, TheWindowsContextAndItsFontAreGivenBack)
 {
-    const int32_t objects = PortObjectCount();
+    SAMPLE(); /* what the system keeps from the first time on */
+    const int32_t objects = ObjectCount();
     {
         const SAMPLE sample;
-        EXPECT_EQ(PortWindowState()->dcsOut, 0);
+        EXPECT_EQ(WindowContextsOut(), 0);
         EXPECT_EQ(SelectObject(sample.text.dc, sample.text.font), sample.text.font);
     }
-    EXPECT_EQ(PortObjectCount(), objects);
+    EXPECT_EQ(ObjectCount(), objects);
 }
-
-#endif
 
 TEST(Sample, NullIsSafe)
 {

@@ -1,5 +1,6 @@
 /* select_test.cpp - selecting and deselecting records and their chain. */
 #include "edit/select.h"
+#include "support/recorder.h"
 #include "support/shapes.h"
 #include "support/views.h"
 
@@ -53,13 +54,12 @@ TEST(Select, JoinedRecordsAreSelectedTogether)
     PathSelectJoinedFromHead(nullptr, nullptr, g.view);
 }
 
-#if !defined(_WIN32)
 TEST(Select, EachRecordsMarksAreToggled)
 {
     GROUP g;
     RECORDER recorder;
     PathSelectJoined(recorder.dc, g.path[2], g.view);
-    const std::vector<std::string> squares = recorder.Take("rect");
+    const CALLS squares = recorder.Take("rect");
     ASSERT_EQ(squares.size(), 12u) << "four a box, the closing one not";
     EXPECT_EQ(squares[0], "rect 68 8 72 12") << "the record itself first";
     EXPECT_EQ(squares[4], "rect 98 8 102 12") << "then what lies behind";
@@ -74,7 +74,7 @@ TEST(Select, DeselectingTogglesMarksOnlyWhenAsked)
     RECORDER recorder;
     SelectPaths({g.path[0], g.path[3]});
     ZrPathDeSelectAll(recorder.dc, g.path[1], g.view, 0);
-    EXPECT_EQ(recorder.calls, std::vector<std::string>{});
+    EXPECT_EQ(recorder.Take(), CALLS{});
     SelectPaths({g.path[0], g.path[3]});
     ZrPathDeSelectAll(recorder.dc, g.path[1], g.view, 1);
     EXPECT_EQ(recorder.Take("rect").size(), 8u);
@@ -90,7 +90,6 @@ TEST(Select, MarksGoWhileTheNodeBitsStillStand)
     EXPECT_EQ(recorder.Take("brush null").size(), 1u) << "the hollow mark is taken off as it was put on";
     EXPECT_EQ(g.path[0]->nodes[1].type, PATHNODE_LINE);
 }
-#endif
 
 TEST(Select, DeselectAllReachesBothWays)
 {

@@ -3,6 +3,7 @@
 #include "frame/faults.h"
 #include "store/store.h"
 #include "support/shapes.h"
+#include "support/system.h"
 #include "support/textdc.h"
 
 #include <cstring>
@@ -191,10 +192,10 @@ TEST_F(Text, LineIsCutAt54Bytes)
     TextDcFree(&dc);
 }
 
-#if !defined(_WIN32) /* the code page is the system's own there */
 TEST_F(Text, DoubleByteCharacterIsNeverCutInHalf)
 {
-    PortSetCodePage(932);
+    const CODEPAGE page(932);
+    if (!page.found) GTEST_SKIP() << otherCodePage;
     TEXTDC dc = TextDcMake("DejaVu Sans", 20, 0, SHIFTJIS_CHARSET);
     const std::string alpha = "\x83\xBF"; /* Greek, as the font has no kana */
     MADE single = MakePaths(dc.dc, alpha);
@@ -218,23 +219,18 @@ TEST_F(Text, DoubleByteCharacterIsNeverCutInHalf)
         Free(&made);
     }
     Free(&single);
-    PortSetCodePage(1252);
     TextDcFree(&dc);
 }
 
 TEST_F(Text, DiagnosticGoesOutBeforeEachLine)
 {
     TEXTDC dc = TextDcMake(family, 20);
-    std::vector<std::string> got;
-    PortSetDebugSink(
-        [](void *user, const char *text) { static_cast<std::vector<std::string> *>(user)->push_back(text); }, &got);
+    DEBUGTEXT debug;
     MADE made = MakePaths(dc.dc, "a\r\n\r\nb\r\n");
-    PortSetDebugSink(nullptr, nullptr);
-    EXPECT_EQ(got, std::vector<std::string>(3, "Enter FontOutlineToPSPath\n"));
+    EXPECT_EQ(debug.texts, std::vector<std::string>(3, "Enter FontOutlineToPSPath\n"));
     Free(&made);
     TextDcFree(&dc);
 }
-#endif
 
 TEST_F(Text, LinesStackByTheFontsHeight)
 {

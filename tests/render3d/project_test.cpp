@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <gtest/gtest.h>
+#include <numbers>
 
 using namespace zr32;
 using namespace zr32test;
@@ -32,7 +33,7 @@ TEST(Project, TheEyeUsesTheCoarsePi)
     EXPECT_EQ(10, space.eye.x);
     EXPECT_EQ(20, space.eye.y);
     EXPECT_EQ(300 / std::tan(60 * 0.5 * 3.14159 * 0.005555555555555556), space.eye.z);
-    EXPECT_NE(300 / std::tan(60 * 0.5 * M_PI / 180), space.eye.z);
+    EXPECT_NE(300 / std::tan(60 * 0.5 * std::numbers::pi / 180), space.eye.z);
 }
 
 TEST(Project, PointInThePictureStays)

@@ -2,11 +2,14 @@
 #include "frame/frame.h"
 #include "platform/platform.h"
 #include "store/store.h"
+#include "support/recorder.h"
 #include "support/shapes.h"
 
+#include <cctype>
 #include <cmath>
 #include <cstring>
 #include <gtest/gtest.h>
+#include <sstream>
 #include <string>
 
 using namespace zr32;
@@ -119,38 +122,22 @@ TEST(Bounds3D, PointsAtInfinityAreSafe)
     ZrPathDeletePtr(path, 0);
 }
 
-#if !defined(_WIN32)
-
-/* Writes down what is drawn: "M x,y", "L x,y", "B x,y x,y x,y". */
-struct RECORDER {
-    std::string text;
-    HDC hdc;
-};
-
-void Put(void *user, const char *name, int x, int y)
-{
-    static_cast<RECORDER *>(user)->text += std::string(name) + std::to_string(x) + "," + std::to_string(y) + " ";
-}
-
-void RecorderStart(RECORDER *recorder)
-{
-    PORTDCCALLS calls = {};
-    calls.user = recorder;
-    calls.moveTo = [](void *user, int x, int y) { Put(user, "M", x, y); };
-    calls.lineTo = [](void *user, int x, int y) { Put(user, "L", x, y); };
-    calls.polyBezierTo = [](void *user, const POINT *points, DWORD count) {
-        for (DWORD i = 0; i < count; i++) Put(user, i % 3 ? "b" : "B", points[i].x, points[i].y);
-    };
-    recorder->hdc = PortCreateCallbackDC(&calls);
-}
-
+/* What is drawn: "Mx,y", "Lx,y", "Bx,y bx,y bx,y". */
 std::string Draw(PATHREC *path, int32_t w, int32_t h, const COORDSTRUCT *view, POINTFXMAT3D *t, int32_t depth)
 {
     RECORDER recorder;
-    RecorderStart(&recorder);
-    ZrPath3DWireFrame(recorder.hdc, path, w, h, view, t, depth);
-    DeleteDC(recorder.hdc);
-    return recorder.text;
+    ZrPath3DWireFrame(recorder.dc, path, w, h, view, t, depth);
+    std::ostringstream out;
+    for (const std::string &call : recorder.Take()) {
+        std::istringstream in(call);
+        std::string word, x, y;
+        in >> word;
+        if (word != "move" && word != "line" && word != "bezier") continue;
+        const char follower = word == "bezier" ? 'b' : 0;
+        for (char letter = static_cast<char>(std::toupper(word[0])); in >> x >> y; letter = follower)
+            out << letter << x << ',' << y << ' ';
+    }
+    return out.str();
 }
 
 COORDSTRUCT View(int32_t zoom)
@@ -326,7 +313,5 @@ TEST(Wireframe, NullContextOrViewStillTestsAndStores)
     Draw(path, 1, 1, &view, nullptr, 0);
     ZrPathDeletePtr(path, 0);
 }
-
-#endif
 
 } // namespace

@@ -11,7 +11,7 @@
 
 namespace zr32test {
 
-struct SIZE {
+struct PLANESIZE {
     int32_t width;
     int32_t height;
 };
@@ -46,7 +46,7 @@ struct BUFFERS {
         for (PATHBUF buf : all) ZrPathBufFree(buf);
     }
 
-    PATHBUF Make(int32_t bits, SIZE size)
+    PATHBUF Make(int32_t bits, PLANESIZE size)
     {
         PATHBUF buf = ZrPathBufAlloc(bits, size.width, size.height);
         all.push_back(buf);

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 
 using namespace zr32;
 using namespace zr32test;
@@ -70,7 +71,7 @@ int32_t Export(const PLAINSHADE &call)
                                     call.bumpPercent, call.bumpMap);
 }
 
-SIZE SizeNear(RANDOM &random, SIZE size)
+PLANESIZE SizeNear(RANDOM &random, PLANESIZE size)
 {
     if (Pick(random, 0, 5) != 0) return size;
     return {Pick(random, 0, size.width + 3), Pick(random, 0, size.height + 3)};
@@ -82,7 +83,7 @@ PLAINSHADE RandomCall(RANDOM &random, BUFFERS *buffers)
     PLAINSHADE call = {};
     call.metal = Pick(random, 0, 1);
     call.multi = Pick(random, 0, 1);
-    const SIZE size = {Pick(random, 1, 24), Pick(random, 1, 12)};
+    const PLANESIZE size = {Pick(random, 1, 24), Pick(random, 1, 12)};
     double width = PickReal(random, 0.5, 20);
     if (Pick(random, 0, 15) == 0) {
         const double odd[] = {0, -3, std::nan(""), HUGE_VAL, 1e-5, 1e300};
@@ -157,8 +158,9 @@ void CompareCase(unsigned seed)
     ExpectSameBytes(call.mask, plain.mask, "mask", seed);
     for (int i = 0; i < 4; i++) {
         ASSERT_EQ(SHADELIGHTS.factors.specular[i], wanted.phong.factors.specular[i]) << "case " << seed;
-        for (int k = 0; k < 3; k++)
-            ASSERT_EQ(SHADELIGHTS.lightDir[i][k], wanted.phong.lightDir[i][k]) << "case " << seed;
+        /* as bytes: a light that the call leaves alone may have been left without a number */
+        ASSERT_EQ(memcmp(SHADELIGHTS.lightDir[i], wanted.phong.lightDir[i], sizeof wanted.phong.lightDir[i]), 0)
+            << "case " << seed;
     }
     for (int c = 0; c < 3; c++) {
         ASSERT_EQ(METALLIGHTS.specularTint[c], wanted.metal.specularTint[c]) << "case " << seed;

@@ -17,6 +17,13 @@ struct NEEDSFONT : testing::Test {
     }
 };
 
+/* What the points of a transformed outline are cut to, in 1/65536 pixel: systems other than the port keep 64ths. */
+#if defined(_WIN32)
+constexpr double outlineUnit = 1024;
+#else
+constexpr double outlineUnit = 1;
+#endif
+
 struct TEXTDC {
     HDC dc;
     HFONT font;

@@ -4,7 +4,6 @@
 
 #include "platform/platform.h"
 
-#include <string>
 #include <vector>
 #include <zr32path.h>
 
@@ -52,23 +51,6 @@ struct CANVAS {
   private:
     HGDIOBJ old = nullptr;
 };
-
-#if !defined(_WIN32)
-/* A context that writes down every call: "rect l t r b", "move x y", "line x y", "pen style color", "brush null",
- * "brush color", "rop n", "clip l t r b". */
-struct RECORDER {
-    HDC dc = nullptr;
-    std::vector<std::string> calls;
-
-    RECORDER();
-    ~RECORDER();
-    RECORDER(const RECORDER &) = delete;
-    RECORDER &operator=(const RECORDER &) = delete;
-
-    /* The calls that begin with the word, and all of them forgotten. */
-    std::vector<std::string> Take(const std::string &word = "");
-};
-#endif
 
 } // namespace zr32test
 
