@@ -83,7 +83,8 @@ void URMoveApply(const COORDSTRUCT *view, PATHREC *selected, URRECORD *record, R
 /* Appends the frame of an envelope's outline record; null without memory or when the path is none. */
 URRECORD *UREnvelopeRecord(const PATHREC *frame);
 
-/* Exchanges the frame with the record's and warps the paths under it. 0 without memory, nothing is then changed. */
+/* Exchanges the frame with the record's and warps the paths under it. 0 without memory for the exchange, nothing is
+ * then changed; an outline record that does not exist and cannot be had is left out. */
 int UREnvelopeApply(PATHREC *active, const PATHREC *frame, URRECORD *record);
 
 /* Frees what a record owns. */
