@@ -130,6 +130,85 @@ TEST(Memory, FaultsStrikeTheNthAllocationOnce)
     EXPECT_EQ(before, FaultLiveBlocks(ALLOC_PATHHEAP));
 }
 
+TEST(Memory, FailedHeapResizeKeepsTheBlock)
+{
+    ZrPathInit();
+    uint8_t *block = static_cast<uint8_t *>(PathHeapAlloc(PathHeap(), heapZero, 16));
+    block[3] = 9;
+    FaultSet(ALLOC_PATHHEAP, 1);
+    EXPECT_EQ(nullptr, PathHeapReAlloc(PathHeap(), heapNoSerialize, block, 32));
+    EXPECT_TRUE(FaultStruck());
+    EXPECT_EQ(16u, PathHeapSize(PathHeap(), heapNoSerialize, block));
+    EXPECT_EQ(9, block[3]);
+    EXPECT_EQ(nullptr, PathHeapReAllocInPlace(PathHeap(), heapNoSerialize, block, 100000));
+    EXPECT_EQ(16u, PathHeapSize(PathHeap(), heapNoSerialize, block));
+    PathHeapFree(PathHeap(), heapNoSerialize, block);
+    FaultSet(ALLOC_PATHHEAP, 0);
+}
+
+TEST(Memory, BufReAllocToNoBytesKeepsTheBlock)
+{
+    uint8_t *block = static_cast<uint8_t *>(BufAlloc(bufZero, 16));
+    block[15] = 4;
+    EXPECT_EQ(nullptr, BufReAlloc(block, 0, bufZero));
+    EXPECT_EQ(4, block[15]);
+    BufFree(block);
+}
+
+TEST(Memory, EachAllocatorFailsByItself)
+{
+    ZrPathInit();
+    SurfaceHeapInit();
+    FaultSet(ALLOC_SURFACEHEAP, 1);
+    void *path = PathHeapAlloc(PathHeap(), heapZero, 8);
+    EXPECT_NE(nullptr, path);
+    EXPECT_EQ(nullptr, PathHeapAlloc(SurfaceHeap(), heapZero, 8));
+    PathHeapFree(PathHeap(), heapNoSerialize, path);
+    FaultSet(ALLOC_SURFACEHEAP, 0);
+    FaultSet(ALLOC_GLOBAL, 1);
+    EXPECT_EQ(nullptr, GlobalBlockAlloc(8));
+    uint8_t *global = static_cast<uint8_t *>(GlobalBlockAlloc(8));
+    global[7] = 3;
+    FaultSet(ALLOC_GLOBAL, 1);
+    EXPECT_EQ(nullptr, GlobalBlockReAlloc(global, 800));
+    EXPECT_EQ(3, global[7]);
+    FaultSet(ALLOC_GLOBAL, 0);
+    GlobalBlockFree(global);
+    FaultSet(ALLOC_BUF, 1);
+    EXPECT_EQ(nullptr, BufAlloc(bufZero, 8));
+    FaultSet(ALLOC_BUF, 0);
+}
+
+TEST(Memory, ErrorReportsCarryTheLibrarysGroup)
+{
+    zr32CommReset();
+    ReportError(errorMemory, 20, 0);
+    ReportError(errorCancelled, 19, 3);
+    ZR32COMMERROR error;
+    EXPECT_EQ(2, zr32CommLastError(&error));
+    const int32_t want[6] = {0, 5200, 0, 2600, 19, 3};
+    for (int i = 0; i < 6; i++) EXPECT_EQ(want[i], error.words[i]) << i;
+    ReportError(errorMemory, 20, 0);
+    EXPECT_EQ(3, zr32CommLastError(&error));
+    EXPECT_EQ(1001, error.words[1]);
+    zr32CommReset();
+    EXPECT_EQ(0, zr32CommLastError(&error));
+    EXPECT_EQ(0, error.words[3]);
+}
+
+TEST(Memory, StopPollAnswersAfterTheGivenNumberOfPolls)
+{
+    zr32CommReset();
+    EXPECT_EQ(0, zr32IsEscPressed());
+    zr32CommEscAfter(2);
+    EXPECT_EQ(0, zr32IsEscPressed());
+    EXPECT_EQ(0, zr32IsEscPressed());
+    EXPECT_EQ(1, zr32IsEscPressed());
+    EXPECT_EQ(1, zr32IsEscPressed());
+    zr32CommReset();
+    EXPECT_EQ(0, zr32IsEscPressed());
+}
+
 TEST(Memory, GlobalBlocksGrowWithZerosAndFreeNull)
 {
     uint8_t *block = static_cast<uint8_t *>(GlobalBlockAlloc(10));

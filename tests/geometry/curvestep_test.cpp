@@ -129,6 +129,26 @@ TEST(LineStep, HalvesUntilNoComponentIsLongerThanAPixel)
     EXPECT_EQ(0x1000, step.h);
 }
 
+TEST(LineStep, AStepOfExactlyAPixelStaysAndOneAboveIsHalved)
+{
+    const struct {
+        POINTDB extent;
+        POINTDB d;
+        int64_t h;
+    } cases[] = {{{8, -8}, {1, -1}, 0x2000},
+                 {{-8, 8}, {-1, 1}, 0x2000},
+                 {{8.04, 0}, {0.5025, 0}, 0x1000},
+                 {{0, -8.04}, {0, -0.5025}, 0x1000}};
+    for (const auto &c : cases) {
+        LINESTEP step;
+        LineStart({0, 0}, c.extent, &step);
+        LineFit(&step);
+        EXPECT_EQ(c.d.x, step.d.x);
+        EXPECT_EQ(c.d.y, step.d.y);
+        EXPECT_EQ(c.h, step.h);
+    }
+}
+
 TEST(LineStep, IsNeverHalvedBelowOne)
 {
     LINESTEP step;

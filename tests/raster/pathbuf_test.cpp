@@ -125,6 +125,7 @@ TEST(PathBuf, ImpossibleSizesGiveNull)
                  {"negative height", 8, 5, -1},
                  {"both negative", 8, -5, -5},
                  {"product beyond 32 bits", 8, 0x10000, 0x10000},
+                 {"a header more than fits", 8, INT32_MAX - 11, 1},
                  {"bytes beyond 32 bits", 64, 0x8000, 0x8000},
                  {"largest sides", 32, INT32_MAX, INT32_MAX}};
     for (const auto &c : cases) EXPECT_EQ(nullptr, ZrPathBufAlloc(c.bits, c.width, c.height)) << c.name;
