@@ -321,6 +321,8 @@ TEST(Overlay, ScrollMovesTheViewAndRedraws)
     EXPECT_EQ(v.Plane(), plain.bytes);
     EXPECT_EQ(ZrPathScrollDB(v.view, nullptr, 1, 1), 1);
     EXPECT_EQ(v.view->scrollX, 4);
+    EXPECT_EQ(ZrPathScrollDB(v.view, nullptr, 0, -5), 1);
+    EXPECT_EQ(v.view->scrollY, -8) << "either offset alone counts";
     EXPECT_EQ(v.Plane(), plain.bytes) << "nothing to redraw";
 }
 

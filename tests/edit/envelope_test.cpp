@@ -80,6 +80,25 @@ TEST(Envelope, ABicubicFrameDeselectsItsPathsFromTheHeadOfTheTableChain)
     EXPECT_EQ(c->nextPath->flags, PATHREC_ENVELOPE);
 }
 
+TEST(Envelope, TheSelectedChainClosesOverThePathsUnderABicubicFrame)
+{
+    DOCUMENT doc;
+    PATHREC *a = doc.Add(MakeBox(0, 0, 10, 10));
+    PATHREC *b = doc.Add(MakeBox(2, 2, 8, 8));
+    PATHREC *c = doc.Add(MakeBox(4, 4, 6, 6));
+    PATHREC *d = doc.Add(MakeCircle(5, 5, 5)); /* has room for the frame */
+    PATHREC *e = doc.Add(MakeBox(4, 4, 6, 6));
+    ChainLink(joinChain, a, c);
+    doc.Select({a, b, c, e});
+    EXPECT_EQ(ZrPathAddBiBezierEnvelope(a, sides), 1);
+    EXPECT_EQ(d->flags, PATHREC_ENVELOPE);
+    EXPECT_EQ(b->prevSel, nullptr);
+    EXPECT_EQ(b->nextSel, e);
+    EXPECT_EQ(e->prevSel, b);
+    EXPECT_EQ(c->prevSel, nullptr);
+    EXPECT_EQ(c->nextSel, nullptr);
+}
+
 TEST(Envelope, ABilinearFrameLeavesTheSelectionOfItsPaths)
 {
     DOCUMENT doc;

@@ -225,6 +225,16 @@ TEST(Handles, MovedPairMovesItsNodeOnly)
     EXPECT_EQ(ZRFIXED{s.path->nodes[2].y}, DbToFix(30));
 }
 
+TEST(Handles, PairMovedDownwardOnlyIsAppliedToo)
+{
+    SCENE s({{6, 10, 10}, {2 | M, 20, 20}, {2, 30, 30}});
+    s.Read();
+    s.list[1].y += 4;
+    s.Write();
+    EXPECT_EQ(ZRFIXED{s.path->nodes[1].x}, DbToFix(19.5)) << "(20 + 0.5) is cut to 20, and the half goes again";
+    EXPECT_EQ(ZRFIXED{s.path->nodes[1].y}, DbToFix(23.5));
+}
+
 TEST(Handles, StartFollowsAMovedClosingAnchor)
 {
     const struct {
@@ -297,6 +307,17 @@ TEST(Handles, OtherRecordsGiveAnEmptyList)
             EXPECT_EQ(ZrPathSelectedToView(s.view, nullptr, s.list, direction), 0);
             EXPECT_EQ(s.list[11].y, end);
         }
+}
+
+TEST(Handles, TheLastOfSeveralGivesNoneEither)
+{
+    SCENE s(Diagonal({6, 2 | M, 2}));
+    PATHREC *first = MakePath({{6, 0, 0}});
+    s.Add({first});
+    ChainLink(selectedChain, first, s.path);
+    s.Read();
+    EXPECT_EQ(s.used, 0);
+    EXPECT_EQ(s.list[0].x, end);
 }
 
 TEST(Handles, WithoutABufferOnlyAnEditedRecordEndsTheList)
