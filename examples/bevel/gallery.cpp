@@ -158,7 +158,7 @@ int RenderTurn(const OPTIONS &options)
         done = SpaceWireframe(road, turn, &wire) && SpaceRender(road, turn, 1, &glass) &&
                SpaceRender(road, turn, 0, &opaque);
         if (!done) break;
-        const PICTURE ground = PictureLandscape(road.width, road.height);
+        const PICTURE ground = PictureLandscape(glass.width, glass.height);
         const std::string degrees = std::to_string(step * 30) + " degrees";
         frames.push_back({"wireframe, " + degrees, wire});
         frames.push_back({"glass, " + degrees, PictureOver(glass, ground)});

@@ -1,11 +1,13 @@
 /* space.cpp - the text turned in space; see space.h.
  *
- * The solid turns about the middle of its mask and stays there on the image; the eye looks from above that point.
+ * The solid turns about the middle of its mask and stays there; the eye looks from above that point. A line of text
+ * that turns reaches above and below the image it was made for, so the pictures show more of both.
  */
 #include "space.h"
 
 #include "platform/platform.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -15,6 +17,7 @@ namespace bevel {
 namespace {
 
 constexpr double degree = 3.14159265358979 / 180;
+constexpr int mostRows = 500; /* that a render fills */
 
 /* Turns about x, then y, then z. */
 tagMATRIX3D Rotation(const double *turn)
@@ -41,14 +44,23 @@ POINTFXMAT3D Camera(const ROAD &road, const double *turn)
     return camera;
 }
 
+/* What the pictures show, in image pixels: the image and half as much again, above it and below. */
+RECT Frame(const ROAD &road)
+{
+    const int more = std::max(0, std::min(road.height / 2, mostRows - road.height));
+    return {0, -more / 2, road.width, road.height + more - more / 2};
+}
+
 } // namespace
 
 int SpaceWireframe(const ROAD &road, const double *turn, PICTURE *picture)
 {
+    const RECT frame = Frame(road);
+    const int height = static_cast<int>(frame.bottom - frame.top);
     BITMAPINFO info = {};
     info.bmiHeader.biSize = sizeof info.bmiHeader;
     info.bmiHeader.biWidth = road.width;
-    info.bmiHeader.biHeight = -road.height; /* top-down */
+    info.bmiHeader.biHeight = -height; /* top-down */
     info.bmiHeader.biPlanes = 1;
     info.bmiHeader.biBitCount = 32;
     void *bits = nullptr;
@@ -63,13 +75,13 @@ int SpaceWireframe(const ROAD &road, const double *turn, PICTURE *picture)
     const HGDIOBJ oldPen = SelectObject(hdc, pen);
 
     COORDSTRUCT *view = nullptr;
-    ZrPathCoordStruct(0, 0, road.width, road.height, 0, 0, 1, nullptr, &view);
+    ZrPathCoordStruct(0, 0, road.width, height, 0, frame.top, 1, nullptr, &view);
     POINTFXMAT3D camera = Camera(road, turn);
     ZrPath3DWireFrame(hdc, road.path, road.width / 2, road.height / 2, view, &camera,
                       2 * static_cast<int32_t>(road.reach));
     ZrPathDeleteCoordStruct(view);
 
-    *picture = PictureMake(road.width, road.height, 3);
+    *picture = PictureMake(road.width, height, 3);
     const uint8_t *pixel = static_cast<const uint8_t *>(bits);
     for (size_t i = 0; i < picture->bytes.size(); i += 3, pixel += 4) {
         const uint8_t ground[3] = {34, 44, 62};
@@ -92,9 +104,10 @@ int SpaceRender(const ROAD &road, const double *turn, int glass, PICTURE *pictur
         return 0;
     }
     const struct tagPOINT maskOrigin = {rects[0].left, rects[0].top};
-    const struct tagPOINT outOrigin = {0, 0};
-    PATHBUF colour = ZrPathBufAlloc(24, road.width, road.height);
-    PATHBUF alpha = ZrPathBufAlloc(8, road.width, road.height);
+    const RECT frame = Frame(road);
+    const struct tagPOINT outOrigin = {frame.left, frame.top};
+    PATHBUF colour = ZrPathBufAlloc(24, road.width, frame.bottom - frame.top);
+    PATHBUF alpha = ZrPathBufAlloc(8, road.width, frame.bottom - frame.top);
     const POINTFXMAT3D camera = Camera(road, turn);
     const uint32_t material = 0xD65C2C; /* blue, green, red from the low byte up */
     const OPTIONS &o = road.options;

@@ -6,10 +6,11 @@
 
 namespace bevel {
 
-/* The wireframe of the road's paths at the turn of its options, drawn through a device context over a plain ground. */
+/* The wireframe of the road's paths at the turn of its options, drawn through a device context over a plain ground;
+ * as wide as the image and, up to 500 rows, half as high again. */
 int SpaceWireframe(const ROAD &road, const double *turn, PICTURE *picture);
 
-/* The rendered solid with its alpha, of the image's size. The road must have its surface. */
+/* The rendered solid with its alpha, of the same size. The road must have its surface. */
 int SpaceRender(const ROAD &road, const double *turn, int glass, PICTURE *picture);
 
 } // namespace bevel
