@@ -29,10 +29,11 @@ ZRFIXED TakeZoom(BYTES *bytes, const PATHREC *path)
 
 void Masks(BYTES *bytes, PATHREC *path)
 {
+    static const int32_t depths[] = {4, 8, 16, 16, 0, 99};
     static const int32_t aaModes[] = {0, 1, 999};
     RECT *rects = nullptr;
     PATHBUF *bufs = nullptr;
-    const int32_t depth = TakeRange(bytes, 0, 20);
+    const int32_t depth = TakeOne(bytes, depths);
     const int32_t evenOdd = TakeRange(bytes, 0, 1);
     const int32_t aaMode = TakeOne(bytes, aaModes);
     const int32_t scope = TakeRange(bytes, 0, 3);
@@ -199,7 +200,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     BYTES bytes = {data, size};
     SceneReset();
     const uint8_t what = Take<uint8_t>(&bytes);
-    PATHREC *path = TakeChain(&bytes, what & 0x80 ? 2000 : 40);
+    /* Mostly so small that mask and solid share one scale. */
+    PATHREC *path = TakeChain(&bytes, what & 0x80 ? 2000 : what & 0x40 ? 40 : 18);
     PLANES planes = {nullptr, nullptr, nullptr, 16, 12};
     if (path && (what & 1)) Masks(&bytes, path);
     if (path && (what & 2)) planes = Surface(&bytes, path);
