@@ -209,8 +209,11 @@ template <MODEL model> void ShadeBevel(SHADESTATE *st, const PIXELROWS &rows, ui
     int64_t accB[3] = {AmbientOf<model>(st, 0), AmbientOf<model>(st, 1), AmbientOf<model>(st, 2)};
     LightAt<model>(st, offset.x2, offset.y2, 0, &own);
     AddPoint<model>(st, own, nullptr, accB);
-    for (int c = 0; c < 3; c++)
-        pixel[c] = Written(TruncInt(static_cast<double>(accA[c]) * mix + static_cast<double>(accB[c]) * (1 - mix)));
+    for (int c = 0; c < 3; c++) {
+        /* Far below black it is no number that can be cut. */
+        const double value = static_cast<double>(accA[c]) * mix + static_cast<double>(accB[c]) * (1 - mix);
+        pixel[c] = Written(TruncInt(std::max(value, 0.0)));
+    }
 }
 
 /* A pixel of the flat interior, mixed with the bevel below it where flatMask is not full. The record is read as words

@@ -532,6 +532,22 @@ TEST(Shader, BuffersOfSmallerPixelsCountAsEmpty)
     ZrPathBufFree(small);
 }
 
+/* 200 x -1e7 of ambient and 200 x -3e6 of diffuse light on a level surface: -2.6e9 a channel, below what 32 bits hold.
+ */
+TEST(Shader, TwoOffsetsFarBelowBlackAreBlack)
+{
+    KnownState();
+    const int32_t shininess[4] = {28, 28, 28, 28};
+    const int32_t percent[4] = {-1000000000, 0, 0, 0};
+    const uint32_t black[4] = {};
+    ZrPathAdjPhongIllum(shininess, percent, 0, black, 1, -1000000000);
+    SCENE s(2, 2);
+    memset(s.image, 200, 12);
+    s.SetVector(0, 0, {2560, 0, 0, 2560});
+    ASSERT_EQ(1, Phong(s, 0, nullptr, 0, 0, 0, nullptr, 0, 0, 1));
+    EXPECT_EQ(0, s.image[0]);
+}
+
 TEST(Shader, AnyFactorPositionAndDirectionIsSafe)
 {
     const int32_t extremes[] = {INT32_MIN, -1000, -1, 0, 1, 1000, INT32_MAX};
