@@ -170,6 +170,28 @@ TEST(EnvelopeMap, OtherZoomsAreSafe)
     }
 }
 
+/* The lattice of a frame from (20, 20) to (80, 50) runs from -10 to 110 and has a mask of 131 x 41. At zoom 2 its upper
+ * side still lies on the mask's row 5, but the mask ends at 41 rows, before the lower side at 65, and its band at column
+ * 125, which is the map's 65. */
+TEST(EnvelopeMap, AtAnotherZoomTheMaskIsOutOfRegister)
+{
+    PATHREC *head = WithFrame(BicubicBox(20, 20, 80, 50), 20, 20, 80, 50);
+    MAPCALL call = EnvelopeCall(head);
+    ZrPathBufFree(call.mask);
+    call.zoom = 0x20000;
+    call.mask = MakeMask(head, 0, call.zoom);
+    Call(&call);
+    ASSERT_EQ(1, call.result);
+    EXPECT_EQ(15.0, call.width) << "in image pixels";
+    for (int x : {1, 35, 64}) {
+        EXPECT_EQ(0.0001F, DistAt(call.dist, x, 5)) << x;
+        for (int k = 1; k <= 16; k++) EXPECT_NEAR(k * k, DistAt(call.dist, x, 5 + k), 1e-6) << x << ", " << k;
+        for (int y = 22; y < 71; y++) EXPECT_EQ(0.0F, DistAt(call.dist, x, y)) << x << ", " << y;
+    }
+    for (int y = 7; y < 71; y++) EXPECT_EQ(0.0F, DistAt(call.dist, 70, y)) << y;
+    Free(&call);
+}
+
 TEST(EnvelopeMap, PercentagesRunOverTheLattice)
 {
     COUNTER counter;
