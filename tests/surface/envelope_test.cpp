@@ -171,8 +171,8 @@ TEST(EnvelopeMap, OtherZoomsAreSafe)
 }
 
 /* The lattice of a frame from (20, 20) to (80, 50) runs from -10 to 110 and has a mask of 131 x 41. At zoom 2 its upper
- * side still lies on the mask's row 5, but the mask ends at 41 rows, before the lower side at 65, and its band at column
- * 125, which is the map's 65. */
+ * side still lies on the mask's row 5, but the mask ends at 41 rows, before the lower side at 65, and its band at
+ * column 125, which is the map's 65. */
 TEST(EnvelopeMap, AtAnotherZoomTheMaskIsOutOfRegister)
 {
     PATHREC *head = WithFrame(BicubicBox(20, 20, 80, 50), 20, 20, 80, 50);

@@ -50,9 +50,9 @@ void Call(MAPCALL *call)
     const uintptr_t wanted = 0x40; /* any value that is not 0 */
     call->dist = call->wantDist ? reinterpret_cast<PATHBUF>(wanted) : nullptr;
     call->offset = call->wantOffset ? reinterpret_cast<PATHBUF>(wanted) : nullptr;
-    call->result =
-        ZrPathVMap(call->path, &call->dist, &call->offset, call->evenOdd, call->fixedHeight, call->envelopeMode,
-                   call->outset, 0, &call->width, 0, call->useMask, call->mask, call->progress, call->zoom);
+    call->result = ZrPathVMap(call->path, &call->dist, &call->offset, call->evenOdd, call->fixedHeight,
+                              call->envelopeMode, call->outset, call->noMitre, &call->width, call->floatVectors,
+                              call->useMask, call->mask, call->progress, call->zoom);
 }
 
 void FreePlanes(MAPCALL *call)

@@ -34,6 +34,8 @@ struct MAPCALL {
     int32_t envelopeMode = 0;
     int32_t fixedHeight = 0;
     int32_t evenOdd = 0;
+    int32_t noMitre = 0;
+    int32_t floatVectors = 0;
     VMAPPROGRESS *progress = nullptr;
 
     int32_t result = -1;

@@ -259,6 +259,57 @@ TEST(VMap, EdgeTablesOfAnEnvelopeWithoutMaskAreReleasedToo)
     FreeChain(head);
 }
 
+/* A box in a box, both run through alike: under the even-odd rule the inner one is a hole. */
+TEST(VMap, WithoutAMaskTheFillRuleDecidesWhatIsInside)
+{
+    for (int32_t evenOdd : {0, 1}) {
+        MAPCALL call;
+        call.path = MakeBox(10, 10, 60, 60);
+        PATHREC *inner = MakeBox(20, 20, 50, 50);
+        zr32::ChainLink(zr32::joinChain, call.path, inner);
+        call.useMask = 0;
+        call.evenOdd = evenOdd;
+        Call(&call);
+        EXPECT_EQ(1, call.result);
+        /* The map begins at 5. */
+        EXPECT_EQ(evenOdd ? 0.0F : 300.0F, DistAt(call.dist, 30, 30)) << "nothing within 5 pixels";
+        EXPECT_EQ(6.25F, DistAt(call.dist, 8, 30)) << "2.5 from the outer left side, which is placed at 5.5";
+        FreePlanes(&call);
+        zr32::RecordFree(inner);
+        zr32::RecordFree(call.path);
+    }
+}
+
+/* A corner whose vertex is placed at (25.5, 25.5), with the shape to the left and above. */
+TEST(VMap, WithoutAMaskCornersAreMitredOrRoundAndVectorsWordsOrFloats)
+{
+    for (int32_t noMitre : {0, 1}) {
+        for (int32_t floatVectors : {0, 1}) {
+            MAPCALL call;
+            call.path =
+                MakePath({{6, 10, 10}, {2, 50, 10}, {2, 50, 30}, {2, 30, 30}, {2, 30, 50}, {2, 10, 50}, {3, 10, 10}});
+            call.useMask = 0;
+            call.width = 12;
+            call.noMitre = noMitre;
+            call.floatVectors = floatVectors;
+            Call(&call);
+            EXPECT_EQ(1, call.result);
+            EXPECT_EQ(noMitre ? 42.5F : 30.25F, DistAt(call.dist, 20, 22)) << "5.5 to the left, 3.5 above";
+            if (floatVectors) {
+                SURFVECF v;
+                memcpy(&v, call.offset + (22 * zr32::BufInfo(call.offset).width + 20) * 8, sizeof v);
+                EXPECT_EQ(5.5F, v.x);
+                EXPECT_EQ(noMitre ? 3.5F : 0.0F, v.y);
+            } else {
+                EXPECT_EQ(5.5 * 256, VectorAt(call.offset, 20, 22).x1);
+                EXPECT_EQ(noMitre ? 3.5 * 256 : 0, VectorAt(call.offset, 20, 22).y1);
+            }
+            FreePlanes(&call);
+            zr32::RecordFree(call.path);
+        }
+    }
+}
+
 TEST(VMap, OutsetAboveZeroWritesOutsideOnly)
 {
     BOXMAP made = MakeBoxMap(6);
@@ -333,6 +384,25 @@ TEST(VMap, PercentagesOfBothSidesRunInFourRanges)
     EXPECT_EQ((std::vector<int>{0, 2, 4, 6, 8, 10, 18, 26, 34, 42, 50, 52, 54, 56, 58, 60, 68, 76, 84, 92}),
               counter.values);
     Free(&made);
+}
+
+/* 41 rows, whatever range the caller's record had. */
+TEST(VMap, PercentagesOfALonePrimitiveRunOverItsRows)
+{
+    COUNTER counter;
+    VMAPPROGRESS progress = ProgressOf(&counter);
+    progress.rangeFrom = 70;
+    progress.rangeTo = 80;
+    MAPCALL call;
+    call.path = MakeBox(20, 20, 60, 50);
+    call.path->primitive = 2;
+    call.useMask = 0;
+    call.progress = &progress;
+    Call(&call);
+    ASSERT_EQ(41U, counter.values.size());
+    for (int y = 0; y < 41; y++) EXPECT_EQ(y * 100 / 41, counter.values[static_cast<size_t>(y)]);
+    FreePlanes(&call);
+    zr32::RecordFree(call.path);
 }
 
 /* Each record starts from the range's start again; the first of two has half the range. */
