@@ -7,6 +7,8 @@
 #include "surface/offsetmerge.h"
 #include "surface/sweep.h"
 
+#include <algorithm>
+
 namespace zr32 {
 
 /* A foot that no first corner equals. */
@@ -75,14 +77,26 @@ static int FanHasLeft(const SWEEP *sweep, const MITREEND *end, const POINTDB &b)
            !(highY >= 0 || d.y > 0);
 }
 
+/* Lines of a fan to be taken at once. Where the last step of a curve is the rest of one, a tangent can be any sliver of
+ * a pixel, and millions of lines stand in the same pixels: of such a crowd only so many are taken as stand a thousandth
+ * of a pixel apart. */
+static double FanStride(const POINTDB &tangent, double count)
+{
+    constexpr double crowd = 0x1p20;
+    constexpr double spacing = 0x1p-10;
+    const double size = std::max(std::fabs(tangent.x), std::fabs(tangent.y));
+    return count > crowd && size < spacing ? std::floor(spacing / size) : 1;
+}
+
 /* The triangle between the ray at the corner, the meeting point of the offset lines and the corner: half of a mitre. A
  * spike's meeting point can be practically endless far away; the fan ends where it has left the raster for good. */
 static void FillFan(const SWEEP *sweep, MITREEND *end, double count)
 {
     if (!(std::fabs(sweep->reach) < farthestRay)) return; /* its lines begin where positions no longer move */
-    for (double i = 1; i <= count; i++) {
+    const double stride = FanStride(end->tangent, count);
+    for (double i = stride; i <= count; i += stride) {
         const POINTDB b = end->rayEnd + end->tangent * i;
-        end->foot = end->foot + end->tangent;
+        end->foot = end->foot + end->tangent * stride;
         const double tMax = (count - i) / count * sweep->reach;
         if (FanHasLeft(sweep, end, b)) return;
         if (!(tMax < 0)) FillFanLine(sweep, end, b, tMax);

@@ -218,6 +218,52 @@ TEST(MitreFill, SpikeEndsWhereItLeavesTheMap)
     }
 }
 
+/* A curve of one fixed-point step, 1/65536 pixel, before a corner: two million lines stand in 31 pixels. */
+TEST(MitreFill, CornerBehindASliverOfACurveIsFilledLikeAnyOther)
+{
+    const double sliver = 1.0 / 65536;
+    PATHREC *box = MakeBox(20, 20, 60, 60);
+    PATHREC *head = MakeChain(
+        {MakePath({{6, 60, 60}, {2, 20 + sliver, 60}, {4, 20 + sliver, 60}, {4, 20, 60}, {4, 20, 60}, {2, 20, 20}})});
+    FIELD field(box, true);
+    zr32::VMapMitreFill(head, 30, &field.map, field.mask);
+    for (int i = 1; i <= 18; i++) {
+        for (int j = 1; j <= 18; j++) {
+            if (std::abs(i - j) <= 1) continue;
+            const float farther = static_cast<float>(std::max(i, j) * std::max(i, j));
+            const SURFVEC16 v = VectorAt(field.offset, 20 - i, 60 + j);
+            EXPECT_EQ(farther, DistAt(field.dist, 20 - i, 60 + j)) << i << ", " << j;
+            EXPECT_EQ(i > j ? 256 * i : 0, v.x1) << i << ", " << j;
+            EXPECT_EQ(i > j ? 0 : -256 * j, v.y1) << i << ", " << j;
+        }
+    }
+    FreeChain(head);
+    zr32::RecordFree(box);
+}
+
+/* At the least zoom such a curve is 2^-32 pixel long: line by line its fan would have 47 thousand million of them. The
+ * corner is placed at (50.75, 50.75). */
+TEST(MitreFill, FanOfTheShortestTangentEndsAndFillsItsHalf)
+{
+    const double at = 0.25 * 65536;
+    const double sliver = 1.0 / 65536;
+    PATHREC *head =
+        MakeChain({MakePath({{6, at - sliver, at}, {4, at - sliver, at}, {4, at, at}, {4, at, at}, {2, at, 30000}})});
+    FIELD field(head);
+    std::fill(field.mask, field.mask + 100 * 100, uint8_t{255});
+    for (int y = 50; y < 100; y++) std::fill(field.mask + 100 * y, field.mask + 100 * y + 52, uint8_t{0});
+    field.map.zoom = 1.0 / 65536;
+    field.map.originX = field.map.originY = -50;
+    zr32::VMapMitreFill(head, 10, &field.map, field.mask);
+    for (int i = 1; i <= 9; i++) {
+        for (int j = i + 2; j <= 9; j++) {
+            EXPECT_NEAR((j + 0.25) * (j + 0.25), DistAt(field.dist, 50 + i, 50 - j), 1e-4) << i << ", " << j;
+            EXPECT_EQ(64 + 256 * j, VectorAt(field.offset, 50 + i, 50 - j).y1) << i << ", " << j;
+        }
+    }
+    FreeChain(head);
+}
+
 TEST(MitreFill, NegativeWidthEnds)
 {
     PATHREC *head = MakeChain({RandomShape(3, 50, 50, 30)});
