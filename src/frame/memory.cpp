@@ -59,9 +59,10 @@ void *Counted(ALLOCATOR, void *block)
 void Uncounted(ALLOCATOR, const void *) {}
 #endif
 
+/* Of a heap that exists. */
 ALLOCATOR HeapKind(HANDLE heap)
 {
-    return heap == surfaceHeap && heap ? ALLOC_SURFACEHEAP : ALLOC_PATHHEAP;
+    return heap == surfaceHeap ? ALLOC_SURFACEHEAP : ALLOC_PATHHEAP;
 }
 
 int HeapMake(HANDLE *heap)
@@ -112,8 +113,9 @@ int SurfaceHeapInit()
 
 void *PathHeapAlloc(HANDLE heap, uint32_t flags, size_t size)
 {
+    if (!heap) return nullptr;
     const ALLOCATOR kind = HeapKind(heap);
-    if (!heap || FaultHits(kind)) return nullptr;
+    if (FaultHits(kind)) return nullptr;
     return Counted(kind, HeapAlloc(heap, flags, size));
 }
 

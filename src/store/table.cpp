@@ -29,7 +29,7 @@ PATHTBL *TableAlloc()
     return table;
 }
 
-/* Name, active and selected path go only into an empty slot. */
+/* The entry is without paths, but may have a name or a selection of its own, which then stay. */
 void GroupFill(PATHGROUP *group, const char *name, PATHREC *path)
 {
     if (!group->name[0] && name) {
@@ -37,7 +37,7 @@ void GroupFill(PATHGROUP *group, const char *name, PATHREC *path)
         memcpy(group->name, name, length);
         group->name[length] = 0;
     }
-    if (!group->activePath) group->activePath = path;
+    group->activePath = path;
     if (!group->selectedPath) group->selectedPath = FirstSelected(path);
 }
 

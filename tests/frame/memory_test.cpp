@@ -95,6 +95,23 @@ TEST(Memory, BufReAllocZeroesWhatItAdds)
     BufFree(block);
 }
 
+TEST(Memory, ResizingToNothingIsRefusedAndShrinkingZeroesNothing)
+{
+    uint8_t *block = static_cast<uint8_t *>(BufAlloc(0, 1000));
+    std::fill(block, block + 1000, uint8_t{7});
+    EXPECT_EQ(nullptr, BufReAlloc(block, 0, bufZero));
+    block = static_cast<uint8_t *>(BufReAlloc(block, 500, bufZero));
+    EXPECT_EQ(500, std::count(block, block + 500, 7));
+    BufFree(block);
+}
+
+TEST(Memory, WhatNoBlockCanHoldIsNotCounted)
+{
+    const int64_t before = FaultLiveBlocks(ALLOC_GLOBAL);
+    EXPECT_EQ(nullptr, GlobalBlockAlloc(SIZE_MAX));
+    EXPECT_EQ(before, FaultLiveBlocks(ALLOC_GLOBAL));
+}
+
 TEST(Memory, BufFreeOfNullIsOne)
 {
     EXPECT_EQ(1, BufFree(nullptr));

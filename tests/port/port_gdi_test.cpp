@@ -127,6 +127,21 @@ TEST(PortGdi, SectionsThatCannotBeHad)
         EXPECT_EQ(bits, nullptr) << c.name;
     }
     EXPECT_EQ(CreateDIBSection(nullptr, nullptr, 0, nullptr, nullptr, 0), nullptr);
+    BITMAPINFO info = {};
+    info.bmiHeader.biSize = sizeof(BITMAPINFOHEADER);
+    info.bmiHeader.biWidth = info.bmiHeader.biHeight = 4;
+    info.bmiHeader.biPlanes = 1;
+    info.bmiHeader.biBitCount = 24;
+    void *bits = nullptr;
+    EXPECT_EQ(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, nullptr, nullptr, 0), nullptr);
+    EXPECT_EQ(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS + 1, &bits, nullptr, 0), nullptr);
+    EXPECT_EQ(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, &info, 0), nullptr) << "a shared section";
+    EXPECT_EQ(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 4), nullptr) << "an offset";
+    info.bmiHeader.biPlanes = 2;
+    EXPECT_EQ(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0), nullptr) << "two planes";
+    info.bmiHeader.biPlanes = 1;
+    info.bmiHeader.biCompression = BI_RGB + 1;
+    EXPECT_EQ(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0), nullptr) << "compressed";
     EXPECT_EQ(PortObjectCount(), before);
 }
 

@@ -108,5 +108,8 @@ TEST(PortRect, NullIsRefused)
     EXPECT_FALSE(InflateRect(nullptr, 1, 1));
     EXPECT_FALSE(IntersectRect(nullptr, &r, &r));
     EXPECT_FALSE(IntersectRect(&r, nullptr, &r));
+    EXPECT_FALSE(IntersectRect(&r, &r, nullptr));
+    EXPECT_FALSE(UnionRect(nullptr, &r, &r));
+    EXPECT_FALSE(UnionRect(&r, nullptr, &r));
     EXPECT_FALSE(UnionRect(&r, &r, nullptr));
 }
