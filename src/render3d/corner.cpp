@@ -63,7 +63,8 @@ void PutCap(RENDER *render, const JOINT *joint, const RIMENDS *ends)
 {
     POINTDB at;
     if (!RimProject(render, joint->at, &at)) return;
-    SAMPLE rim = ends->rim;
+    const SAMPLE &rim = ends->rim;
+    SAMPLE sample = ends->middle;
     const POINTDB ridge = ends->inner - at;
     if (Length(rim.at - at) == 0 || Length(ridge) == 0) return;
     const EDGESHAPE shape = {EDGE_CORNER, at, rim.at, ends->inner, ridge * (1 / Length(ridge)), rim.at};
@@ -81,7 +82,7 @@ void PutCap(RENDER *render, const JOINT *joint, const RIMENDS *ends)
         for (double x = x0; x <= x1; x++) {
             const POINTDB origin = {x, y};
             if (CoverTriangle(at - origin, rim.at - origin, ends->inner - origin))
-                ABufPutEdge(&render->abuf, PixelIndex(x), PixelIndex(y), &rim, &shape);
+                ABufPutEdge(&render->abuf, PixelIndex(x), PixelIndex(y), &sample, &shape);
         }
     }
 }

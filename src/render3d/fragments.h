@@ -148,6 +148,9 @@ struct EDGESHAPE {
  * edges, replaces it. */
 void ABufPutEdge(ABUF *abuf, int32_t x, int32_t y, SAMPLE *sample, const EDGESHAPE *shape);
 
+/* 1 when the sample's surface covers the whole pixel. */
+int PixelHasWhole(const ABUF *abuf, int32_t x, int32_t y, const SAMPLE *sample);
+
 /* 1 when the pixel holds a partial edge of the sample's surface. */
 int PixelHasEdge(const ABUF *abuf, int32_t x, int32_t y, const SAMPLE *sample);
 

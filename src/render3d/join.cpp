@@ -58,31 +58,49 @@ void PutClipped(RENDER *render, SAMPLE *from, const SAMPLE *to, const POINTDB &i
     }
 }
 
-void RimDraw(RENDER *render, RIMSTEP *step)
+/* The pixel is covered against the direction of the normal. What is seen of the surface from behind ends at the same
+ * line, if there is any. */
+void SilhouetteDraw(RENDER *render, SAMPLE *sample)
 {
-    ABufWalkLine(&render->abuf, &step->from, &step->to, step->inside);
-    PutClipped(render, &step->from, &step->to, step->inside);
+    const POINTDB out = {sample->normal.x, sample->normal.y};
+    const EDGESHAPE shape = {EDGE_ACROSS, {0, 0}, out * (1 / Length(out)), sample->at};
+    const int32_t x = PixelIndex(sample->at.x);
+    const int32_t y = PixelIndex(sample->at.y);
+    SAMPLE behind = *sample;
+    behind.facing = sample->facing > 0 ? -1 : 1;
+    ABufPutEdge(&render->abuf, x, y, sample, &shape);
+    if (PixelHasWhole(&render->abuf, x, y, &behind)) ABufPutEdge(&render->abuf, x, y, &behind, &shape);
 }
 
-/* Keeps a piece of a rim until the face stands: where it leaves nothing of a pixel, no later whole sample may fill it
- * again. Without memory it is drawn at once. */
-void RimKeep(RENDER *render, const SAMPLE *from, const SAMPLE *to, const POINTDB &inside)
+void EdgeDraw(RENDER *render, KEPTEDGE *edge)
 {
-    RIMSTEP step = {*from, *to, inside};
-    RIMLIST *rims = &render->rims;
-    if (rims->count == rims->room) {
+    if (edge->isSilhouette) {
+        SilhouetteDraw(render, &edge->from);
+        return;
+    }
+    ABufWalkLine(&render->abuf, &edge->from, &edge->to, edge->inside);
+    PutClipped(render, &edge->from, &edge->to, edge->inside);
+}
+
+/* Keeps an edge until the face stands: where it leaves nothing of a pixel, no later whole sample may fill it again.
+ * Without memory it is drawn at once. */
+void EdgeKeep(RENDER *render, const KEPTEDGE &edge)
+{
+    KEPTEDGES *kept = &render->kept;
+    if (kept->count == kept->room) {
         constexpr uint32_t mostRoom = 1u << 24;
-        const uint32_t room = rims->room ? rims->room * 2 : 256;
-        RIMSTEP *steps = nullptr;
-        if (room <= mostRoom) steps = static_cast<RIMSTEP *>(BufReAlloc(rims->steps, room * sizeof(RIMSTEP), 0));
-        if (!steps) {
-            RimDraw(render, &step);
+        const uint32_t room = kept->room ? kept->room * 2 : 256;
+        KEPTEDGE *edges = nullptr;
+        if (room <= mostRoom) edges = static_cast<KEPTEDGE *>(BufReAlloc(kept->edges, room * sizeof(KEPTEDGE), 0));
+        if (!edges) {
+            KEPTEDGE now = edge;
+            EdgeDraw(render, &now);
             return;
         }
-        rims->steps = steps;
-        rims->room = room;
+        kept->edges = edges;
+        kept->room = room;
     }
-    rims->steps[rims->count++] = step;
+    kept->edges[kept->count++] = edge;
 }
 
 /* Walks a rim on to its next point. Points closer than a pixel are left for later, so that the line is walked in its
@@ -91,7 +109,7 @@ void RimTo(RENDER *render, RIMWALK *rim, const SAMPLE *to, const POINTDB &inside
 {
     constexpr double gather = 1.0;
     if (rim->open && Apart(&rim->from, to) <= gather) return;
-    if (rim->open) RimKeep(render, &rim->from, to, inside);
+    if (rim->open) EdgeKeep(render, {rim->from, *to, inside, 0});
     rim->from = *to;
     rim->open = 1;
 }
@@ -99,8 +117,8 @@ void RimTo(RENDER *render, RIMWALK *rim, const SAMPLE *to, const POINTDB &inside
 /* What is left of a rim, from both ends so that the last pixel is not missed. */
 void RimEnd(RENDER *render, RIMWALK *rim, const SAMPLE *last, const POINTDB &inside)
 {
-    RimKeep(render, &rim->from, last, inside);
-    RimKeep(render, last, &rim->from, inside);
+    EdgeKeep(render, {rim->from, *last, inside, 0});
+    EdgeKeep(render, {*last, rim->from, inside, 0});
     rim->open = 0;
 }
 
@@ -121,14 +139,6 @@ void FillStrips(RENDER *render, const STRIP *a, const STRIP *b)
 }
 
 } // namespace
-
-/* The edge where the surface turns from the eye: the pixel is covered against the direction of the normal. */
-void PutSilhouette(RENDER *render, SAMPLE *sample)
-{
-    const POINTDB out = {sample->normal.x, sample->normal.y};
-    const EDGESHAPE shape = {EDGE_ACROSS, {0, 0}, out * (1 / Length(out)), sample->at};
-    ABufPutEdge(&render->abuf, PixelIndex(sample->at.x), PixelIndex(sample->at.y), sample, &shape);
-}
 
 void PutSample(RENDER *render, SAMPLE *sample)
 {
@@ -185,10 +195,15 @@ void SideEdge(RENDER *render, const STRIP *strip, const STRIP *other)
     RimEnd(render, &rim, &strip->points[strip->count - 1].sample, other->points[k].sample.at);
 }
 
-void RimsDraw(RENDER *render)
+void EdgesDraw(RENDER *render)
 {
-    for (uint32_t i = 0; i < render->rims.count; i++) RimDraw(render, &render->rims.steps[i]);
-    render->rims.count = 0;
+    for (uint32_t i = 0; i < render->kept.count; i++) EdgeDraw(render, &render->kept.edges[i]);
+    render->kept.count = 0;
+}
+
+void PutSilhouette(RENDER *render, const SAMPLE *sample)
+{
+    EdgeKeep(render, {*sample, *sample, sample->at, 1});
 }
 
 void JoinBreak(RENDER *render)

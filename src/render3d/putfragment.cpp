@@ -275,6 +275,16 @@ int PixelHasEdge(const ABUF *abuf, int32_t x, int32_t y, const SAMPLE *sample)
     return prior && prior->coverage != coverFull;
 }
 
+int PixelHasWhole(const ABUF *abuf, int32_t x, int32_t y, const SAMPLE *sample)
+{
+    const ABUFPIXEL *pixel = PlanePixel(abuf, x, y);
+    if (!pixel || PixelIsEmpty(pixel)) return 0;
+    const int32_t edge = EdgeOf(abuf, sample);
+    if (!PixelIsList(pixel)) return pixel->edgeTag == EdgeTag(edge);
+    const ABUFFRAG *same = ListLook(abuf, pixel, edge).same;
+    return same && same->kind == FRAG_WHOLE;
+}
+
 void ABufPutEdge(ABUF *abuf, int32_t x, int32_t y, SAMPLE *sample, const EDGESHAPE *shape)
 {
     ABUFPIXEL *pixel = PlanePixel(abuf, x, y);

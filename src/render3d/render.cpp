@@ -53,7 +53,7 @@ void DrawAt(RENDER *render, SEGMENTWALK *walk, const POINTDB &at, const POINTDB 
     }
     if (!SectionDraw(render, &section)) return;
     const STRIP *strip = &render->strips[render->current];
-    corners->last = {strip->rim, strip->points[strip->count - 1].sample.at};
+    corners->last = {strip->rim, strip->points[strip->count / 2].sample, strip->points[strip->count - 1].sample.at};
     if (!corners->drawn) corners->first = corners->last;
     corners->drawn++;
 }
@@ -206,7 +206,7 @@ void RenderSegment(RENDER *render, const SEGMENT *segment, const JOINT *start, c
         SeamDraw(render, end, end->before * -1, walk.corners.side);
     }
     JoinBreak(render);
-    RimsDraw(render);
+    EdgesDraw(render);
     CornersDraw(render, &walk.corners);
 }
 

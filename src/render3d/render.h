@@ -49,15 +49,16 @@ struct RIMWALK {
     int open;
 };
 
-/* A piece of a rim that waits for its face. */
-struct RIMSTEP {
+/* An edge that waits for its face: a piece of a rim, or a silhouette at from. */
+struct KEPTEDGE {
     SAMPLE from;
     SAMPLE to;
     POINTDB inside;
+    int isSilhouette;
 };
 
-struct RIMLIST {
-    RIMSTEP *steps;
+struct KEPTEDGES {
+    KEPTEDGE *edges;
     uint32_t count;
     uint32_t room;
 };
@@ -90,6 +91,7 @@ struct JOINT {
 /* Both ends of a strip. */
 struct RIMENDS {
     SAMPLE rim;
+    SAMPLE middle; /* its light */
     POINTDB inner;
 };
 
@@ -120,8 +122,8 @@ struct RENDER {
     int64_t joined;  /* how many strips in a row have been joined, the last one included */
     RIMWALK outer;
     RIMWALK inner;
-    RIMLIST rims; /* of the segment under way */
-    int hold;     /* whole samples leave the pixel (holdX, holdY) to the corner that lies in it */
+    KEPTEDGES kept; /* of the segment under way */
+    int hold;       /* whole samples leave the pixel (holdX, holdY) to the corner that lies in it */
     int32_t holdX;
     int32_t holdY;
 };
@@ -176,8 +178,8 @@ int SectionDraw(RENDER *render, const SECTION *section);
 /* A strip that is the border of a face: it covers on the side of the other strip. */
 void SideEdge(RENDER *render, const STRIP *strip, const STRIP *other);
 
-/* Draws the rims that have been walked so far. */
-void RimsDraw(RENDER *render);
+/* Draws the edges that have been kept so far. */
+void EdgesDraw(RENDER *render);
 
 /* Ends the rims where they are; nothing before this is joined to what comes. */
 void JoinBreak(RENDER *render);
@@ -185,8 +187,8 @@ void JoinBreak(RENDER *render);
 /* Whole pixels from one sample up to the next, where they are more than a step apart. */
 void FillBetween(RENDER *render, const SAMPLE *a, const SAMPLE *b);
 
-/* The edge where the surface turns from the eye: the pixel is covered against the direction of the normal. */
-void PutSilhouette(RENDER *render, SAMPLE *sample);
+/* The edge where the surface turns from the eye. */
+void PutSilhouette(RENDER *render, const SAMPLE *sample);
 
 /* A sample of the face: an edge where the surface turns from the eye, else the whole pixel unless it has an edge. */
 void PutSample(RENDER *render, SAMPLE *sample);
