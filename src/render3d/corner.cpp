@@ -121,6 +121,16 @@ int SegmentSide(const RENDER *render, const POINTDB &at, const POINTDB &tangent)
     return Cross(tangent, inward) > 0 ? 1 : -1;
 }
 
+void KeepToOwnSide(const JOINT *joint, const POINTDB &own, SECTION *section)
+{
+    constexpr double near = 4; /* farther off sections may well cross the line of the seam */
+    if (!JointIsSmooth(joint) || Length(section->at - joint->at) > near) return;
+    POINTDB away = joint->before + joint->after;
+    away = away * ((Dot(away, own) < 0 ? -1 : 1) / Length(away));
+    const double apart = Dot(section->at + section->reach - joint->at, away);
+    if (apart < 0) section->reach = section->reach - away * apart;
+}
+
 int JointBendsAway(const JOINT *joint, int side)
 {
     return joint->joined && Cross(joint->before, joint->after) * side < 0;

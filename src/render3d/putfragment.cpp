@@ -304,6 +304,8 @@ void ABufPutEdge(ABUF *abuf, int32_t x, int32_t y, SAMPLE *sample, const EDGESHA
             same->coverage = 0;
             same->kind = FRAG_HALFPLANE;
         }
+        /* What a plain opaque sample has hidden is gone: without it there would be a hole. */
+        if (!PixelIsList(&before) && IsOpaque(before.value)) *pixel = before;
         return;
     }
     const uint32_t kind = shape->form == EDGE_TRIANGLE ? FRAG_TRIANGLE : FRAG_HALFPLANE;

@@ -51,6 +51,8 @@ void DrawAt(RENDER *render, SEGMENTWALK *walk, const POINTDB &at, const POINTDB 
         JoinBreak(render);
         return;
     }
+    KeepToOwnSide(&corners->start, corners->start.after, &section);
+    KeepToOwnSide(&corners->end, corners->end.before * -1, &section);
     if (!SectionDraw(render, &section)) return;
     const STRIP *strip = &render->strips[render->current];
     corners->last = {strip->rim, strip->points[strip->count / 2].sample, strip->points[strip->count - 1].sample.at};

@@ -204,6 +204,10 @@ int JointBendsAway(const JOINT *joint, int side);
 /* 1 when one segment goes on as the other ends, with no corner to see. */
 int JointIsSmooth(const JOINT *joint);
 
+/* Brings the inner end of a section back to its segment's side of the seam at a smooth joint; own points from the joint
+ * along the segment. */
+void KeepToOwnSide(const JOINT *joint, const POINTDB &own, SECTION *section);
+
 /* The pixels of a segment's two ends. */
 void CornersDraw(RENDER *render, const CORNERS *corners);
 

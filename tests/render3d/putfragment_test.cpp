@@ -232,12 +232,65 @@ TEST_F(Put, EmptyMaskMakesNoFragment)
     Edge(&abuf, 1, opaque, 10, {EDGE_TRIANGLE, {NAN, 0.5}, {0.5, 0.5}, {-3, 0.5}});
     EXPECT_EQ(0u, Pixel(&abuf).value);
     /* but a plain pixel of the same surface is emptied, and another surface's stays */
-    Solid(&abuf, 2, opaque, 9);
-    Edge(&abuf, 1, opaque, 10, {EDGE_ALONG, {0, 0.5}, {0, 1.5}, {-3, 0.5}});
-    EXPECT_EQ(opaque, Pixel(&abuf).value);
-    Edge(&abuf, 2, opaque, 10, {EDGE_ALONG, {0, 0.5}, {0, 1.5}, {-3, 0.5}});
+    const EDGESHAPE nothing = {EDGE_ALONG, {0, 0.5}, {0, 1.5}, {-3, 0.5}};
+    Solid(&abuf, 2, glassy, 9);
+    Edge(&abuf, 1, opaque, 10, nothing);
+    EXPECT_EQ(glassy, Pixel(&abuf).value);
+    Edge(&abuf, 2, opaque, 10, nothing);
     EXPECT_EQ(0u, Pixel(&abuf).value);
     EXPECT_EQ(0u, abuf.pool.live);
+}
+
+TEST_F(Put, EmptyMaskLeavesAnOpaquePixelThatMayHaveHiddenAnother)
+{
+    Solid(&abuf, 2, opaque, 9);
+    Edge(&abuf, 2, opaque, 10, {EDGE_ALONG, {0, 0.5}, {0, 1.5}, {-3, 0.5}});
+    EXPECT_EQ(opaque, Pixel(&abuf).value);
+    EXPECT_EQ(3009, Pixel(&abuf).zTag);
+}
+
+TEST_F(Put, EmptyMaskTakesAWholeSampleOutOfAListForGood)
+{
+    const EDGESHAPE nothing = {EDGE_ALONG, {0, 0.5}, {0, 1.5}, {-3, 0.5}};
+    Solid(&abuf, 1, glassy, 9);
+    Solid(&abuf, 2, glassy, 8);
+    Edge(&abuf, 2, glassy, 8, nothing);
+    ASSERT_EQ(2u, ListOf(&abuf, 0, 0).size());
+    EXPECT_EQ(0u, ListOf(&abuf, 0, 0)[1].coverage);
+    EXPECT_EQ(FRAG_HALFPLANE, ListOf(&abuf, 0, 0)[1].kind);
+    Edge(&abuf, 2, glassy, 8, rightHalf);
+    Solid(&abuf, 2, glassy, 8);
+    EXPECT_EQ(2u, ListOf(&abuf, 0, 0).size());
+    EXPECT_EQ(0u, ListOf(&abuf, 0, 0)[1].coverage);
+    /* a triangle that is there is left alone */
+    *PlanePixel(&abuf, 0, 0) = {};
+    Solid(&abuf, 1, glassy, 9);
+    Edge(&abuf, 2, glassy, 8, topTriangle);
+    Edge(&abuf, 2, glassy, 8, nothing);
+    EXPECT_EQ(0x0000187Eu, ListOf(&abuf, 0, 0)[1].coverage);
+    /* and a half plane that covered all is brought up to date */
+    *PlanePixel(&abuf, 0, 0) = {};
+    Edge(&abuf, 2, glassy, 8, whole);
+    Edge(&abuf, 2, glassy, 8, nothing);
+    EXPECT_EQ(0u, ListOf(&abuf, 0, 0)[0].coverage);
+}
+
+TEST_F(Put, WholeSamplesOfASurfaceAreKnown)
+{
+    SAMPLE sample = Lit(glassy, 1);
+    abuf.edgeId = 1;
+    EXPECT_EQ(0, PixelHasWhole(&abuf, 0, 0, &sample));
+    Solid(&abuf, 1, glassy, 1);
+    EXPECT_EQ(1, PixelHasWhole(&abuf, 0, 0, &sample));
+    sample.facing = -1;
+    EXPECT_EQ(0, PixelHasWhole(&abuf, 0, 0, &sample));
+    sample.facing = 1;
+    Solid(&abuf, 2, glassy, 1);
+    abuf.edgeId = 1;
+    EXPECT_EQ(1, PixelHasWhole(&abuf, 0, 0, &sample));
+    Edge(&abuf, 1, glassy, 1, rightHalf);
+    EXPECT_EQ(0, PixelHasWhole(&abuf, 0, 0, &sample));
+    EXPECT_EQ(0, PixelHasWhole(&abuf, -1, 0, &sample));
 }
 
 TEST_F(Put, CornersReplaceTheEdgeThatIsThere)
