@@ -89,7 +89,7 @@ void PutCap(RENDER *render, const JOINT *joint, const RIMENDS *ends)
 
 void PutEnd(RENDER *render, const JOINT *joint, const POINTDB &own, int side, const RIMENDS *ends)
 {
-    if (!joint->joined) return;
+    if (!joint->joined || ends->unseen) return;
     SAMPLE sample = ends->rim;
     PutCorner(render, joint, own, side, &sample);
     if (!JointIsSmooth(joint) && !JointBendsAway(joint, side)) PutCap(render, joint, ends);
@@ -139,7 +139,7 @@ int JointBendsAway(const JOINT *joint, int side)
 int FanDraw(RENDER *render, const JOINT *joint, int side, int atStart)
 {
     POINTDB at;
-    if (!JointBendsAway(joint, side) || !RimProject(render, joint->at, &at)) return 0;
+    if (!JointBendsAway(joint, side) || !RimProject(render, joint->at, &at) || ReachUnseen(render, joint->at)) return 0;
     const double half =
         0.5 * std::atan2(std::fabs(Cross(joint->before, joint->after)), Dot(joint->before, joint->after));
     const POINTDB edge = atStart ? joint->after : joint->before;
@@ -156,7 +156,7 @@ int FanDraw(RENDER *render, const JOINT *joint, int side, int atStart)
         const double s = std::sin(angle);
         SECTION section;
         FanSection(render, joint->at, {upright.x * c - upright.y * s, upright.x * s + upright.y * c}, edge, &section);
-        if (section.reach.x != 0 || section.reach.y != 0) {
+        if ((section.reach.x != 0 || section.reach.y != 0) && !SectionUnseen(render, &section)) {
             drawn += SectionDraw(render, &section);
         } else {
             JoinBreak(render);
@@ -174,7 +174,7 @@ void SeamDraw(RENDER *render, const JOINT *joint, const POINTDB &own, int side)
 {
     const POINTDB along = joint->before + joint->after;
     const double length = Length(along);
-    if (!(JointIsSmooth(joint) || JointBendsAway(joint, side)) || length == 0) return;
+    if (!(JointIsSmooth(joint) || JointBendsAway(joint, side)) || length == 0 || ReachUnseen(render, joint->at)) return;
     const POINTDB inward = POINTDB{-along.y, along.x} * (side / length);
     constexpr double beside = 0.5;
     SECTION section;

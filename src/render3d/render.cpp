@@ -26,6 +26,10 @@ constexpr double toleranceOfCurve = 0.2;
 constexpr double longestCurveStep = 0.7;
 constexpr double shortestCurveStep = 0.35;
 
+/* A segment that is walked in steps as small as this is longer on the output than any plane: most of it lies outside,
+ * and is not even asked how far its bevel reaches. */
+constexpr int64_t wildStep = 2;
+
 /* A segment under way. */
 struct SEGMENTWALK {
     POINTDB start;
@@ -41,9 +45,22 @@ int NearBend(const JOINT *joint, const POINTDB &at, int side)
     return JointBendsAway(joint, side) && Length(at - joint->at) < near;
 }
 
-void DrawAt(RENDER *render, SEGMENTWALK *walk, const POINTDB &at, const POINTDB &tangent, double radius)
+/* Nothing of a section lies near the plane. */
+void SkipUnseen(RENDER *render, CORNERS *corners)
+{
+    JoinBreak(render);
+    if (!corners->drawn) corners->first.unseen = 1;
+    corners->last.unseen = 1;
+}
+
+/* step: of the parameter. */
+void DrawAt(RENDER *render, SEGMENTWALK *walk, const POINTDB &at, const POINTDB &tangent, double radius, int64_t step)
 {
     CORNERS *corners = &walk->corners;
+    if (step <= wildStep && ReachUnseen(render, at)) {
+        SkipUnseen(render, corners);
+        return;
+    }
     const int nearBend = NearBend(&corners->start, at, corners->side) || NearBend(&corners->end, at, corners->side);
     SECTION section;
     SectionAt(render, walk->start, at, tangent, radius, walk->tolerance, nearBend, &walk->mitre, &section);
@@ -53,10 +70,14 @@ void DrawAt(RENDER *render, SEGMENTWALK *walk, const POINTDB &at, const POINTDB 
     }
     KeepToOwnSide(&corners->start, corners->start.after, &section);
     KeepToOwnSide(&corners->end, corners->end.before * -1, &section);
+    if (SectionUnseen(render, &section)) {
+        SkipUnseen(render, corners);
+        return;
+    }
     if (!SectionDraw(render, &section)) return;
     const STRIP *strip = &render->strips[render->current];
-    corners->last = {strip->rim, strip->points[strip->count / 2].sample, strip->points[strip->count - 1].sample.at};
-    if (!corners->drawn) corners->first = corners->last;
+    corners->last = {0, strip->rim, strip->points[strip->count / 2].sample, strip->points[strip->count - 1].sample.at};
+    if (!corners->drawn && !corners->first.unseen) corners->first = corners->last;
     corners->drawn++;
 }
 
@@ -77,8 +98,8 @@ void WalkLine(RENDER *render, const SEGMENT *segment, SEGMENTWALK *walk)
         LineHalve(&step);
     if (step.h > 1) LineHalve(&step); /* within half a pixel */
     for (int64_t i = 0; i * step.h < parameterEnd; i++)
-        DrawAt(render, walk, from + step.d * static_cast<double>(i), to - from, 0);
-    DrawAt(render, walk, to, to - from, 0);
+        DrawAt(render, walk, from + step.d * static_cast<double>(i), to - from, 0, step.h);
+    DrawAt(render, walk, to, to - from, 0, step.h);
 }
 
 double CurveStepOnOutput(const RENDER *render, const CURVESTEP *step)
@@ -92,7 +113,7 @@ void DrawOnCurve(RENDER *render, SEGMENTWALK *walk, const CURVESTEP *step, const
     if (step->d.x == 0 && step->d.y == 0) return;
     const double bend = Cross(step->d, step->dd) * walk->corners.side;
     const double length = Length(step->d);
-    DrawAt(render, walk, at, step->d, bend > 0 ? length * length * length / bend * subPixelOfStep : 0);
+    DrawAt(render, walk, at, step->d, bend > 0 ? length * length * length / bend * subPixelOfStep : 0, step->h);
 }
 
 void WalkCurve(RENDER *render, const SEGMENT *segment, SEGMENTWALK *walk)
@@ -289,6 +310,11 @@ ZRPATHAPI int32_t ZrPathABufRender(PATHREC *path, const POINTFXMAT3D *camera, PA
     render.maskOrigin = Origin(maskOrigin);
     render.outOrigin = Origin(outOrigin);
     render.width = width;
+    const auto [lowest, highest] =
+        std::minmax_element(PROFILETBL, PROFILETBL + static_cast<int>(profileSteps),
+                            [](const PROFILEENTRY &a, const PROFILEENTRY &b) { return a.height < b.height; });
+    render.lowest = lowest->height;
+    render.highest = highest->height;
 
     /* The records are rendered once, into the first band; later bands, and the last record of the chain, come out
      * empty, deliberately. */

@@ -90,6 +90,7 @@ struct JOINT {
 
 /* Both ends of a strip. */
 struct RIMENDS {
+    int unseen; /* sections nearer to the segment's end lie outside the plane: nothing is known of them */
     SAMPLE rim;
     SAMPLE middle; /* its light */
     POINTDB inner;
@@ -116,6 +117,8 @@ struct RENDER {
     POINTDB maskOrigin;
     POINTDB outOrigin; /* of the band's first pixel */
     double width;
+    double lowest; /* heights of the profile */
+    double highest;
     STRIP seam[2];   /* where two segments meet, and one beside it */
     STRIP strips[2]; /* the last and the one before */
     int current;     /* which of them is the last */
@@ -167,6 +170,14 @@ void StripBuild(RENDER *render, const SECTION *section, STRIP *strip);
 
 /* Puts the strip's samples into the plane. */
 void StripDraw(RENDER *render, STRIP *strip);
+
+/* 1 when everything that the bevel may have over the picture plane between two corners of a box lies well outside the
+ * output plane. */
+int BoxUnseen(const RENDER *render, const POINTDB &a, const POINTDB &b);
+
+/* The same for all that a bevel can reach from a point of the outline, and for one section. */
+int ReachUnseen(const RENDER *render, const POINTDB &at);
+int SectionUnseen(const RENDER *render, const SECTION *section);
 
 void StripsFree(RENDER *render);
 

@@ -208,6 +208,43 @@ int RimProject(const RENDER *render, const POINTDB &at, POINTDB *out)
     return SampleProject(render, &p, out);
 }
 
+int BoxUnseen(const RENDER *render, const POINTDB &a, const POINTDB &b)
+{
+    /* With w = 1 - z / eye, what is seen has w > 0 and lies at eye + (p - eye) / w. So a side of the plane, multiplied
+     * by w, is linear in the point: all corners beyond it are all of the box, whether or not it reaches behind the
+     * eye. */
+    constexpr double margin = 16; /* output pixels */
+    const POINT3D &eye = render->space.eye;
+    const double left = eye.x - render->outOrigin.x + margin;
+    const double right = left - 2 * margin - render->abuf.info.width;
+    const double above = eye.y - render->outOrigin.y + margin;
+    const double below = above - 2 * margin - render->abuf.info.height;
+    int beyond[5] = {1, 1, 1, 1, 1};
+    for (int i = 0; i < 8; i++) {
+        const POINTDB picture = POINTDB{i & 1 ? b.x : a.x, i & 2 ? b.y : a.y} + render->maskOrigin;
+        POINT3D p = {picture.x, picture.y, i & 4 ? render->highest : render->lowest};
+        SpaceTurn(&render->space, &p);
+        const double w = 1 - p.z / eye.z;
+        beyond[0] &= left * w + (p.x - eye.x) < 0;
+        beyond[1] &= right * w + (p.x - eye.x) > 0;
+        beyond[2] &= above * w + (p.y - eye.y) < 0;
+        beyond[3] &= below * w + (p.y - eye.y) > 0;
+        beyond[4] &= w <= 0;
+    }
+    return beyond[0] || beyond[1] || beyond[2] || beyond[3] || beyond[4];
+}
+
+int ReachUnseen(const RENDER *render, const POINTDB &at)
+{
+    const POINTDB reach = {render->width, render->width};
+    return BoxUnseen(render, at - reach, at + reach);
+}
+
+int SectionUnseen(const RENDER *render, const SECTION *section)
+{
+    return BoxUnseen(render, section->at, section->at + section->reach);
+}
+
 void StripBuild(RENDER *render, const SECTION *section, STRIP *strip)
 {
     strip->count = 0;
