@@ -33,13 +33,19 @@ int ProjectedWay(const RENDER *render, const POINTDB &at, const POINTDB &way, PO
     return length > 0 && std::isfinite(length);
 }
 
-/* The part of the corner's pixel that belongs to one segment: its half plane, up to the bisector. own points from the
- * corner along the segment. */
-void PutCorner(RENDER *render, const JOINT *joint, const POINTDB &own, int side, SAMPLE *sample)
+/* From a joint along the segment that begins or ends there. */
+POINTDB OwnWay(const JOINT *joint, int atStart)
 {
+    return atStart ? joint->after : joint->before * -1;
+}
+
+/* The part of the corner's pixel that belongs to one segment: its half plane, up to the bisector. */
+void PutCorner(RENDER *render, const JOINT *joint, int atStart, int side, SAMPLE *sample)
+{
+    const POINTDB own = OwnWay(joint, atStart);
     POINTDB bisector = {-(joint->before.y + joint->after.y), joint->before.x + joint->after.x};
     if (bisector.x == 0 && bisector.y == 0) bisector = joint->before; /* straight back */
-    const POINTDB tangent = Dot(own, joint->after) > 0 ? joint->after : joint->before;
+    const POINTDB tangent = atStart ? joint->after : joint->before;
     const POINTDB inward = POINTDB{-tangent.y, tangent.x} * side;
     EDGESHAPE shape = {};
     shape.form = EDGE_CORNER;
@@ -87,11 +93,11 @@ void PutCap(RENDER *render, const JOINT *joint, const RIMENDS *ends)
     }
 }
 
-void PutEnd(RENDER *render, const JOINT *joint, const POINTDB &own, int side, const RIMENDS *ends)
+void PutEnd(RENDER *render, const JOINT *joint, int atStart, int side, const RIMENDS *ends)
 {
     if (!joint->joined || ends->unseen) return;
     SAMPLE sample = ends->rim;
-    PutCorner(render, joint, own, side, &sample);
+    PutCorner(render, joint, atStart, side, &sample);
     if (!JointIsSmooth(joint) && !JointBendsAway(joint, side)) PutCap(render, joint, ends);
 }
 
@@ -106,8 +112,8 @@ int JointIsSmooth(const JOINT *joint)
 void CornersDraw(RENDER *render, const CORNERS *corners)
 {
     if (!corners->drawn) return;
-    PutEnd(render, &corners->start, corners->start.after, corners->side, &corners->first);
-    PutEnd(render, &corners->end, corners->end.before * -1, corners->side, &corners->last);
+    PutEnd(render, &corners->start, 1, corners->side, &corners->first);
+    PutEnd(render, &corners->end, 0, corners->side, &corners->last);
 }
 
 int SegmentSide(const RENDER *render, const POINTDB &at, const POINTDB &tangent)
@@ -121,12 +127,12 @@ int SegmentSide(const RENDER *render, const POINTDB &at, const POINTDB &tangent)
     return Cross(tangent, inward) > 0 ? 1 : -1;
 }
 
-void KeepToOwnSide(const JOINT *joint, const POINTDB &own, SECTION *section)
+void KeepToOwnSide(const JOINT *joint, int atStart, SECTION *section)
 {
     constexpr double near = 4; /* farther off sections may well cross the line of the seam */
     if (!JointIsSmooth(joint) || Length(section->at - joint->at) > near) return;
     POINTDB away = joint->before + joint->after;
-    away = away * ((Dot(away, own) < 0 ? -1 : 1) / Length(away));
+    away = away * ((atStart ? 1 : -1) / Length(away));
     const double apart = Dot(section->at + section->reach - joint->at, away);
     if (apart < 0) section->reach = section->reach - away * apart;
 }
@@ -170,7 +176,7 @@ int FanDraw(RENDER *render, const JOINT *joint, int side, int atStart)
     return drawn;
 }
 
-void SeamDraw(RENDER *render, const JOINT *joint, const POINTDB &own, int side)
+void SeamDraw(RENDER *render, const JOINT *joint, int side, int atStart)
 {
     const POINTDB along = joint->before + joint->after;
     const double length = Length(along);
@@ -178,10 +184,10 @@ void SeamDraw(RENDER *render, const JOINT *joint, const POINTDB &own, int side)
     const POINTDB inward = POINTDB{-along.y, along.x} * (side / length);
     constexpr double beside = 0.5;
     SECTION section;
-    FanSection(render, joint->at, inward, Dot(own, joint->after) > 0 ? joint->after : joint->before, &section);
+    FanSection(render, joint->at, inward, atStart ? joint->after : joint->before, &section);
     if (section.reach.x == 0 && section.reach.y == 0) return;
     StripBuild(render, &section, &render->seam[0]);
-    section.at = section.at + own * beside;
+    section.at = section.at + OwnWay(joint, atStart) * beside;
     StripBuild(render, &section, &render->seam[1]);
     SideEdge(render, &render->seam[0], &render->seam[1]);
 }

@@ -83,15 +83,15 @@ void EdgeDraw(RENDER *render, KEPTEDGE *edge)
 }
 
 /* Keeps an edge until the face stands: where it leaves nothing of a pixel, no later whole sample may fill it again.
- * Without memory it is drawn at once. */
+ * What would be too much to keep, or finds no memory, is drawn at once. */
 void EdgeKeep(RENDER *render, const KEPTEDGE &edge)
 {
+    constexpr uint32_t mostKept = 1u << 16;
     KEPTEDGES *kept = &render->kept;
+    if (kept->count == mostKept) EdgesDraw(render);
     if (kept->count == kept->room) {
-        constexpr uint32_t mostRoom = 1u << 24;
         const uint32_t room = kept->room ? kept->room * 2 : 256;
-        KEPTEDGE *edges = nullptr;
-        if (room <= mostRoom) edges = static_cast<KEPTEDGE *>(BufReAlloc(kept->edges, room * sizeof(KEPTEDGE), 0));
+        KEPTEDGE *edges = static_cast<KEPTEDGE *>(BufReAlloc(kept->edges, room * sizeof(KEPTEDGE), 0));
         if (!edges) {
             KEPTEDGE now = edge;
             EdgeDraw(render, &now);

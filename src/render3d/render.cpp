@@ -68,8 +68,8 @@ void DrawAt(RENDER *render, SEGMENTWALK *walk, const POINTDB &at, const POINTDB 
         JoinBreak(render);
         return;
     }
-    KeepToOwnSide(&corners->start, corners->start.after, &section);
-    KeepToOwnSide(&corners->end, corners->end.before * -1, &section);
+    KeepToOwnSide(&corners->start, 1, &section);
+    KeepToOwnSide(&corners->end, 0, &section);
     if (SectionUnseen(render, &section)) {
         SkipUnseen(render, corners);
         return;
@@ -225,8 +225,8 @@ void RenderSegment(RENDER *render, const SEGMENT *segment, const JOINT *start, c
         WalkCurve(render, segment, &walk);
     }
     if (FanDraw(render, end, walk.corners.side, 0) + fanned + walk.corners.drawn > 0) {
-        SeamDraw(render, start, start->after, walk.corners.side);
-        SeamDraw(render, end, end->before * -1, walk.corners.side);
+        SeamDraw(render, start, walk.corners.side, 1);
+        SeamDraw(render, end, walk.corners.side, 0);
     }
     JoinBreak(render);
     EdgesDraw(render);

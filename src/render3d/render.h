@@ -215,9 +215,9 @@ int JointBendsAway(const JOINT *joint, int side);
 /* 1 when one segment goes on as the other ends, with no corner to see. */
 int JointIsSmooth(const JOINT *joint);
 
-/* Brings the inner end of a section back to its segment's side of the seam at a smooth joint; own points from the joint
- * along the segment. */
-void KeepToOwnSide(const JOINT *joint, const POINTDB &own, SECTION *section);
+/* Brings the inner end of a section back to its segment's side of the seam at a smooth joint, where the segment begins
+ * or ends. */
+void KeepToOwnSide(const JOINT *joint, int atStart, SECTION *section);
 
 /* The pixels of a segment's two ends. */
 void CornersDraw(RENDER *render, const CORNERS *corners);
@@ -226,9 +226,9 @@ void CornersDraw(RENDER *render, const CORNERS *corners);
  * upright one where the segment begins, or from there to the bisector where it ends. How many it has drawn. */
 int FanDraw(RENDER *render, const JOINT *joint, int side, int atStart);
 
-/* The border between the faces of two segments that meet without a ridge. own points from the joint along the segment.
- * Both segments cover up to the same line. */
-void SeamDraw(RENDER *render, const JOINT *joint, const POINTDB &own, int side);
+/* The border between the faces of two segments that meet without a ridge, for the one that begins or ends there. Both
+ * cover up to the same line. */
+void SeamDraw(RENDER *render, const JOINT *joint, int side, int atStart);
 
 } // namespace zr32
 
