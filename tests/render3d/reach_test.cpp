@@ -1,10 +1,12 @@
 /* reach_test.cpp - directions, ridges, the inner side and how far the bevel runs, on masks and maps made by hand. */
 #include "render3d/render.h"
+#include "scene.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
 
 using namespace zr32;
+using namespace zr32test;
 
 namespace {
 
@@ -206,6 +208,37 @@ TEST(Section, BadMapsAreSafe)
         ASSERT_LE(section.at.y + section.reach.y, 31); /* whatever the map says, the shape is not left */
         ASSERT_GE(section.at.y + section.reach.y, 9);
     }
+}
+
+TEST(Section, SectionsOfACircleEndAtItsCentre)
+{
+    SCENE scene = MakeScene(MakeCircle(60, 60, 40.3), 60, 120, 120);
+    RENDER render = {};
+    SpaceFromTransform(&scene.camera, &render.space);
+    render.mask = scene.mask;
+    render.maskInfo = BufInfo(scene.mask);
+    render.surface = scene.surface;
+    render.surfaceInfo = BufInfo(scene.surface);
+    render.maskOrigin = {static_cast<double>(scene.maskOrigin.x), static_cast<double>(scene.maskOrigin.y)};
+    render.width = 60;
+    MITRE mitre = {};
+    for (double a = 0; a < 6.28; a += 0.02) {
+        const POINTDB out = {std::cos(a), std::sin(a)}, centre = POINTDB{60.5, 60.5} - render.maskOrigin;
+        SECTION section;
+        SectionAt(&render, centre, centre + out * 40.3, {-out.y, out.x}, 40.3, 0.2, 0, &mitre, &section);
+        const POINTDB off = section.at + section.reach - centre;
+        EXPECT_LE(Length(off), 0.35) << a;
+        /* a bend of another radius is none around that point */
+        SectionAt(&render, centre, centre + out * 40.3, {-out.y, out.x}, 60, 0.2, 0, &mitre, &section);
+        EXPECT_LE(Length(section.reach), 41) << a;
+    }
+    render.width = 25; /* as far as the bevel goes */
+    SECTION section;
+    mitre = {};
+    const POINTDB rim = POINTDB{60.5 + 40.3, 60.5} - render.maskOrigin;
+    SectionAt(&render, rim, rim, {0, 1}, 40.3, 0.2, 0, &mitre, &section);
+    EXPECT_NEAR(25, Length(section.reach), 1e-9);
+    SceneFree(&scene);
 }
 
 } // namespace

@@ -358,6 +358,31 @@ TEST(Render, UnturnedStraightEdgesHaveTheLatticeCoverageExactly)
     }
 }
 
+TEST(Render, NarrowCornersAreFilledUpToTheirTips)
+{
+    for (PATHREC *path : {MakePath({{6, 20, 20}, {2, 100, 40}, {2, 30, 100}, {3, 20, 20}}), Star(), Ell(),
+                          MakeBox(20.3, 20.7, 90, 70)}) {
+        SCENE scene = MakeScene(path, 60, 120, 120);
+        scene.camera.viewSize = 1e7;
+        RenderFlat(&scene);
+        const BUFINFO cover = BufInfo(scene.cover);
+        for (uint32_t i = 0; i + 1 < path->nodeCount; i++) {
+            const int cx = static_cast<int>(FixToDb(path->nodes[i].x)),
+                      cy = static_cast<int>(FixToDb(path->nodes[i].y));
+            double want = 0, got = 0; /* whole pixels */
+            for (int y = cy - 6; y <= cy + 6; y++)
+                for (int x = cx - 6; x <= cx + 6; x++) {
+                    const int mx = x - scene.maskOrigin.x, my = y - scene.maskOrigin.y;
+                    if (BufHasPixel(cover, mx, my)) want += scene.cover[my * cover.width + mx] / 255.0;
+                    got += scene.alpha[y * 120 + x] / double{faceAlpha};
+                }
+            /* a quarter of a pixel a row of the box at most where an edge is off by the lattice */
+            EXPECT_NEAR(want, got, 2.5) << cx << "," << cy;
+        }
+        SceneFree(&scene);
+    }
+}
+
 TEST(Render, TurnedFacesAgreeWithTheProjectedOutline)
 {
     const struct {
