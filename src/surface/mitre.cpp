@@ -133,7 +133,13 @@ static void KeepSegmentEnd(SWEEP *sweep)
     }
 }
 
-static constexpr SWEEPRULES mitreRules = {KeepSegmentEnd, 1, 0, 0.01, 0, abortInMitre, 0};
+static constexpr SWEEPRULES mitreRules = {.useSample = KeepSegmentEnd,
+                                          .wholeChain = 1,
+                                          .followFans = 0,
+                                          .shortestLine = 0.01,
+                                          .restingVote = 0,
+                                          .abortSubCode = abortInMitre,
+                                          .abortIndex = 0};
 
 int VMapMitreFill(PATHREC *path, double width, const SURFACEMAP *map, PATHBUF mask)
 {

@@ -159,8 +159,20 @@ static void CastRay(SWEEP *sweep)
     if (sweep->onCurve) sweep->lastEnd = sweep->p + sweep->n * RayLast(sweep->rayStart, sweep->rayStep, reach);
 }
 
-static constexpr SWEEPRULES edgeRules = {CastRay, 1, 1, 0.0, 1, abortInSweep, 0};
-static constexpr SWEEPRULES envelopeRules = {CastRay, 0, 1, 0.0, 1, abortInSweep, 1};
+static constexpr SWEEPRULES edgeRules = {.useSample = CastRay,
+                                         .wholeChain = 1,
+                                         .followFans = 1,
+                                         .shortestLine = 0.0,
+                                         .restingVote = 1,
+                                         .abortSubCode = abortInSweep,
+                                         .abortIndex = 0};
+static constexpr SWEEPRULES envelopeRules = {.useSample = CastRay,
+                                             .wholeChain = 0,
+                                             .followFans = 1,
+                                             .shortestLine = 0.0,
+                                             .restingVote = 1,
+                                             .abortSubCode = abortInSweep,
+                                             .abortIndex = 1};
 
 int VMapEdgeSweep(PATHREC *path, double width, int32_t outset, const SURFACEMAP *map, PATHBUF mask)
 {
