@@ -16,7 +16,13 @@ struct SIDE {
     PATHBUF mask = ZrPathBufAlloc(8, 60, 60);
     PATHBUF none = nullptr;
     zr32::SURFACEMAP map = {&none, &none, nullptr, 1.0, 0, 0};
-    zr32::SWEEPRULES rules = {nullptr, 1, 1, 0.0, 1, 0, 0};
+    zr32::SWEEPRULES rules = {.useSample = nullptr,
+                              .wholeChain = 1,
+                              .followFans = 1,
+                              .shortestLine = 0.0,
+                              .restingVote = 1,
+                              .abortSubCode = 0,
+                              .abortIndex = 0};
     zr32::SWEEP sweep;
 
     SIDE()

@@ -26,7 +26,13 @@ std::vector<zr32::SWEEP> Walk(const std::vector<POINTDB> &p, bool followFans, do
 {
     PATHBUF none = nullptr;
     const zr32::SURFACEMAP map = {&none, &none, nullptr, 1.0, 0, 0};
-    const zr32::SWEEPRULES rules = {KeepSample, 1, followFans, shortestLine, 1, 0, 0};
+    const zr32::SWEEPRULES rules = {.useSample = KeepSample,
+                                    .wholeChain = 1,
+                                    .followFans = followFans,
+                                    .shortestLine = shortestLine,
+                                    .restingVote = 1,
+                                    .abortSubCode = 0,
+                                    .abortIndex = 0};
     zr32::SWEEP sweep;
     zr32::SEGMENT segment = {};
     PATHBUF mask = ZrPathBufAlloc(8, 4, 4);
