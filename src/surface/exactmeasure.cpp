@@ -26,23 +26,70 @@ void MoveAlongRow(double right, POINTDB *point)
     point->x += point->x >= right ? moveOff : -moveOff;
 }
 
-/* The inside of a level curve that runs one way: between the limits each x has its point of the curve, found to far
- * better than onSegment, so a point there is known to lie on it. */
+/* A stretch of the row on which a point is known to lie on the segment, so that it need not be measured there. A long
+ * edge that is all but level would otherwise be measured every hundredth of a pixel. */
 struct LEVELRUN {
     double low;
     double high;
 };
 
-int CurveIsLevelAt(const POINTDB *c, double y, LEVELRUN *run)
+constexpr double surelyOn = onSegment * 0.999; /* a point of the segment as near as this above or below */
+constexpr double runMargin = 2 * moveOff;      /* clear of the ends, beyond which points lie off it */
+
+LEVELRUN RunBetween(double x0, double x1)
+{
+    return {std::min(x0, x1) + runMargin, std::max(x0, x1) - runMargin};
+}
+
+void MoveThrough(const LEVELRUN &run, double right, POINTDB *point)
+{
+    while (point->x > run.low && point->x < run.high) MoveAlongRow(right, point);
+}
+
+/* Where a line that is not level passes the row so closely. */
+LEVELRUN RunOfLine(const LINEDB &line, double y)
+{
+    const double slant = (line.b.x - line.a.x) / (line.b.y - line.a.y);
+    const double at = line.a.x + (y - line.a.y) * slant;
+    const double half = surelyOn * std::fabs(slant);
+    const LEVELRUN whole = RunBetween(line.a.x, line.b.x);
+    return {std::max(whole.low, at - half), std::min(whole.high, at + half)};
+}
+
+/* 1 when the control polygon runs one way and stays so close to the row: then each x between its ends has its point. */
+int PolygonIsLevelAt(const POINTDB *c, double y)
 {
     for (int i = 0; i < 4; i++)
-        if (!(std::fabs(c[i].y - y) < onSegment / 2)) return 0;
-    const int rises = c[0].x <= c[1].x && c[1].x <= c[2].x && c[2].x <= c[3].x;
-    const int falls = c[0].x >= c[1].x && c[1].x >= c[2].x && c[2].x >= c[3].x;
-    if (!rises && !falls) return 0;
-    constexpr double margin = 2 * moveOff;
-    *run = {std::min(c[0].x, c[3].x) + margin, std::max(c[0].x, c[3].x) - margin};
-    return 1;
+        if (!(std::fabs(c[i].y - y) < surelyOn)) return 0;
+    return (c[0].x <= c[1].x && c[1].x <= c[2].x && c[2].x <= c[3].x) ||
+           (c[0].x >= c[1].x && c[1].x >= c[2].x && c[2].x >= c[3].x);
+}
+
+/* The same of the longest of the curve's halves, quarters and so on around t whose polygon shows it. */
+LEVELRUN RunOfCurve(const POINTDB *controls, double t, double y)
+{
+    POINTDB c[4] = {controls[0], controls[1], controls[2], controls[3]};
+    while (!PolygonIsLevelAt(c, y)) {
+        if (!(std::fabs(c[3].x - c[0].x) > 2 * runMargin)) return {0, 0};
+        const POINTDB a = (c[0] + c[1]) * 0.5;
+        const POINTDB b = (c[1] + c[2]) * 0.5;
+        const POINTDB d = (c[2] + c[3]) * 0.5;
+        const POINTDB ab = (a + b) * 0.5;
+        const POINTDB bd = (b + d) * 0.5;
+        const POINTDB middle = (ab + bd) * 0.5;
+        t *= 2;
+        if (t < 1) {
+            c[1] = a;
+            c[2] = ab;
+            c[3] = middle;
+        } else {
+            t -= 1;
+            c[0] = middle;
+            c[1] = bd;
+            c[2] = d;
+        }
+    }
+    return RunBetween(c[0].x, c[3].x);
 }
 
 } // namespace
@@ -71,16 +118,16 @@ void VMapLineDistance(double right, POINTDB point, LINEDB line, NEARENTRY *entry
             return;
         }
         MoveAlongRow(right, &point);
-        if (line.b.y - line.a.y == 0) point.y += line.a.y <= point.y ? moveOff : -moveOff;
+        if (line.b.y - line.a.y == 0)
+            point.y += line.a.y <= point.y ? moveOff : -moveOff;
+        else
+            MoveThrough(RunOfLine(line, point.y), right, &point);
     }
 }
 
 void VMapCurveDistance(double right, POINTDB point, const POINTDB *controls, int wantVector, NEARENTRY *entry)
 {
-    LEVELRUN run;
     const int endsAtZero = controls[0].y == controls[3].y && controls[0].y == 0;
-    if (wantVector && !endsAtZero && CurveIsLevelAt(controls, point.y, &run))
-        while (point.x > run.low && point.x < run.high) MoveAlongRow(right, &point);
     for (;;) {
         NEARPOINT nearest;
         NearestOnCurve(controls, point, &nearest);
@@ -91,7 +138,10 @@ void VMapCurveDistance(double right, POINTDB point, const POINTDB *controls, int
             return;
         }
         MoveAlongRow(right, &point);
-        if (endsAtZero) point.y += moveOff; /* only in the map's first row, deliberately */
+        if (endsAtZero)
+            point.y += moveOff; /* only in the map's first row, deliberately */
+        else
+            MoveThrough(RunOfCurve(controls, nearest.t, point.y), right, &point);
     }
 }
 

@@ -199,6 +199,16 @@ TEST(Exact, SpecialShapesAreThePlainFormsToTheBit)
         {"level curve that turns back",
          {{6, 0, 2.5}, {4, 9, 2.5}, {4, 5, 2.5}, {4, 15, 2.5}, {2, 15, 12.5}, {2, 0, 12.5}, {3, 0, 2.5}}},
         {"nearly level line", {{6, 0, 2.5}, {2, 15, 2.50003}, {2, 15, 12.5}, {2, 0, 12.5}, {3, 0, 2.5}}},
+        {"nearly level curve",
+         {{6, 0, 2.5}, {4, 5, 2.5}, {4, 10, 2.5001}, {4, 15, 2.50012}, {2, 15, 12.5}, {2, 0, 12.5}, {3, 0, 2.5}}},
+        {"curve that touches a pixel row from both sides",
+         {{6, 0, 2.4998},
+          {4, 5, 2.5004},
+          {4, 10, 2.4996},
+          {4, 15, 2.5002},
+          {2, 15, 12.5},
+          {2, 0, 12.5},
+          {3, 0, 2.4998}}},
         {"curve without a direction at its start",
          {{6, 0, 0}, {4, 0, 0}, {4, 0, 0}, {4, 15, 3}, {2, 9, 20}, {3, 0, 0}}},
         {"curve without length", {{6, 0, 0}, {4, 0, 0}, {4, 0, 0}, {4, 0, 0}, {2, 15, 3}, {2, 9, 20}, {3, 0, 0}}},
@@ -631,15 +641,28 @@ TEST(Exact, MeasuresAreThePlainOnesToTheBit)
     }
 }
 
-TEST(Exact, LongLevelCurveOnAPixelRowIsNoTrouble)
+/* Pixels on an edge that is all but level move far along it. */
+TEST(Exact, LongLevelEdgesOnAPixelRowAreNoTrouble)
 {
-    PATHREC *path = MakePath({{6, 0, 2.5}, {4, 400, 2.5}, {4, 800, 2.5}, {4, 1200, 2.5}, {2, 0, 9}, {3, 0, 2.5}});
-    SETTINGS s;
-    s.width = 4;
-    MADE made = Fast(path, s);
-    EXPECT_EQ(1, made.result);
-    Free(&made);
-    ZrPathDeletePtr(path, 0);
+    const std::vector<TESTNODE> edges[] = {
+        {{2, 600, 2.5 + 4.0 / 65536}},
+        {{4, 200, 2.5}, {4, 400, 2.5}, {4, 600, 2.5}},
+        {{4, 200, 2.5}, {4, 400, 2.5 + 6.0 / 65536}, {4, 600, 2.5 + 6.0 / 65536}},
+        {{4, 550, 2.5}, {4, 50, 2.5}, {4, 600, 2.5}},
+    };
+    for (const auto &edge : edges) {
+        std::vector<TESTNODE> nodes = {{6, 0, 2.5}};
+        nodes.insert(nodes.end(), edge.begin(), edge.end());
+        nodes.insert(nodes.end(), {{2, 600, 9}, {2, 0, 9}, {3, 0, 2.5}});
+        PATHREC *path = MakePath(nodes);
+        SETTINGS s;
+        s.width = 4;
+        MADE made = Fast(path, s);
+        EXPECT_EQ(1, made.result);
+        EXPECT_NEAR(1, made.Dist(300, 7), 1e-3) << "the edge is placed at row 6";
+        Free(&made);
+        ZrPathDeletePtr(path, 0);
+    }
 }
 
 TEST(Exact, FirstCornerOfACallMayBeTheLastOfTheCallBefore)
