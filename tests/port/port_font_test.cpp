@@ -220,6 +220,37 @@ TEST_F(PortFont, CharactersGoThroughTheCodePage)
     PortSetCodePage(1252);
 }
 
+/* Installs a form of the tiny font under a family of its own. */
+TEXTDC FormDc(const char *family, const TINYFORM &form, DWORD charSet)
+{
+    const std::string file = WriteTestFile(std::string(family) + ".ttf", TinyFont(family, form));
+    EXPECT_EQ(AddFontResourceExA(file.c_str(), FR_PRIVATE, nullptr), 1);
+    TEXTDC dc = TextDcMake(family, 100, 0, charSet);
+    EXPECT_EQ(Face(dc.dc), family);
+    remove(file.c_str());
+    return dc;
+}
+
+TEST_F(PortFont, SymbolFontsHaveTheirCharactersFrom0xF000OnOrAtTheirCodes)
+{
+    TEXTDC dc = FormDc("Zr Symbols", {.symbol = true}, SYMBOL_CHARSET);
+    EXPECT_EQ(PointAt(Outline(dc.dc, 'A'), 8).x, 10 * one) << "at 0xF041";
+    EXPECT_EQ(PointAt(Outline(dc.dc, 'Q'), 8).x, 60 * one) << "at 0x51";
+    EXPECT_EQ(PointAt(Outline(dc.dc, 'Z'), 8).x, 0) << "nowhere";
+    TextDcFree(&dc);
+}
+
+TEST_F(PortFont, WithoutClippingHeightsTheLinesHeightsCountAndHalfAnEmForTheAverage)
+{
+    TEXTDC dc = FormDc("Zr Unclipped", {.clipping = false}, ANSI_CHARSET);
+    TEXTMETRICA metrics = {};
+    ASSERT_TRUE(GetTextMetricsA(dc.dc, &metrics));
+    EXPECT_EQ(metrics.tmAscent, 80);
+    EXPECT_EQ(metrics.tmDescent, 20);
+    EXPECT_EQ(metrics.tmAveCharWidth, 50);
+    TextDcFree(&dc);
+}
+
 TEST_F(PortFont, DefaultSetFollowsTheCodePage)
 {
     const struct {
@@ -287,6 +318,7 @@ TEST_F(PortFont, BadArgumentsFail)
     EXPECT_EQ(GetGlyphOutlineA(dc.dc, 'A', GGO_NATIVE, &glyph, 0, nullptr, nullptr), GDI_ERROR);
     EXPECT_EQ(GetGlyphOutlineA(dc.dc, 'A', 1, &glyph, 0, nullptr, &unit), GDI_ERROR);
     EXPECT_EQ(GetGlyphOutlineA(dc.dc, 'A', GGO_NATIVE, &glyph, 43, buffer, &unit), GDI_ERROR);
+    EXPECT_EQ(GetGlyphOutlineA(dc.dc, 'A', GGO_NATIVE, &glyph, 0, buffer, &unit), 44u) << "only the size";
     for (BYTE byte : buffer) EXPECT_EQ(byte, 0xEE);
     EXPECT_EQ(GetGlyphOutlineA(dc.dc, 'A', GGO_NATIVE, &glyph, 44, buffer, &unit), 44u);
     EXPECT_EQ(buffer[44], 0xEE);

@@ -91,6 +91,7 @@ TEST(PortGdi, StockObjectsStay)
     EXPECT_NE(GetStockObject(NULL_BRUSH), nullptr);
     EXPECT_EQ(GetStockObject(99), nullptr);
     EXPECT_EQ(GetStockObject(-1), nullptr);
+    EXPECT_NE(GetStockObject(SYSTEM_FONT), nullptr);
     EXPECT_FALSE(DeleteObject(nullptr));
 }
 

@@ -76,6 +76,7 @@ TEST(PortKernel, SizesThatCannotBeHadGiveNull)
     EXPECT_EQ(HeapSize(heap, 0, block), 10u);
     EXPECT_EQ(HeapAlloc(nullptr, 0, 10), nullptr);
     EXPECT_EQ(HeapReAlloc(heap, 0, nullptr, 10), nullptr);
+    EXPECT_EQ(HeapReAlloc(nullptr, 0, block, 10), nullptr);
     EXPECT_FALSE(HeapFree(nullptr, 0, block));
     HeapDestroy(heap);
 }

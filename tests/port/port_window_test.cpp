@@ -26,6 +26,7 @@ TEST(PortWindow, StateIsWhatTheHostSays)
     EXPECT_EQ(dc, state->dc);
     EXPECT_EQ(state->dcsOut, 1);
     EXPECT_EQ(ReleaseDC(window, nullptr), 0);
+    EXPECT_EQ(ReleaseDC(window, reinterpret_cast<HDC>(&one)), 0);
     EXPECT_EQ(ReleaseDC(window, dc), 1);
     EXPECT_EQ(ReleaseDC(window, dc), 0);
     EXPECT_EQ(state->dcsOut, 0);

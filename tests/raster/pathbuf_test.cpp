@@ -155,6 +155,8 @@ TEST(PathBuf, RectangleBufferHas32BitsForDepth4Only)
     }
     EXPECT_EQ(nullptr, zr32::PathBufForRect(5, 0, 4, 1, 8));
     EXPECT_EQ(nullptr, zr32::PathBufForRect(INT32_MIN, 0, INT32_MAX, 1, 8));
+    EXPECT_EQ(nullptr, zr32::PathBufForRect(0, INT32_MIN, 1, INT32_MAX, 8));
+    EXPECT_EQ(nullptr, zr32::PathBufForRect(0, 5, 1, 4, 8));
 }
 
 TEST(PathBuf, NextGroupStandsBehindTheTailOfTheJoinChain)

@@ -264,6 +264,24 @@ TEST_F(Record, TracedClosedPathGetsTheClosingBitOnItsLastNode)
     }
 }
 
+TEST_F(Record, TracedPointsThatEndBesideTheirStartInOneDirectionOnlyAreClosed)
+{
+    for (const R2VPOINT &last : {R2VPOINT{1, 9, 2, 0}, R2VPOINT{9, 2, 2, 0}}) {
+        const R2VPOINT points[] = {{1, 2, 2, 0}, {5, 5, 2, 0}, last};
+        PATHREC *path = ZrPathR2VToZrPath(3, points);
+        ASSERT_EQ(4u, path->nodeCount);
+        EXPECT_EQ(PATHNODE_LINE | PATHNODE_CLOSING, path->nodes[3].type);
+        ZrPathDeletePtr(path, 0);
+    }
+}
+
+TEST_F(Record, ABlockSmallerThanAHeaderHasNoRoom)
+{
+    void *block = PathHeapAlloc(PathHeap(), heapZero, recordHeaderSize - 1);
+    EXPECT_EQ(0u, RecordRoom(static_cast<PATHREC *>(block)));
+    PathHeapFree(PathHeap(), heapNoSerialize, block);
+}
+
 TEST_F(Record, TracedPathsOfNoneAndOnePoint)
 {
     const R2VPOINT point = {1, 2, 4, 0};

@@ -127,6 +127,29 @@ TEST_F(Table, EmptyFirstGroupIsTakenOverAndASecondOneGrowsTheBlock)
     EXPECT_STREQ("two", table->groups[1].name);
 }
 
+TEST_F(Table, AnEmptyGroupKeepsTheSelectionThatItWasGiven)
+{
+    PATHREC *path = MakePath({{6, 1, 2}});
+    PATHREC *chosen = MakePath({{6, 3, 4}});
+    ZrPathNew(&table);
+    table->groups[0].selectedPath = chosen;
+    EXPECT_EQ(1, ZrPathAddPathGroup(&table, path, "one", nullptr, nullptr));
+    EXPECT_EQ(path, table->groups[0].activePath);
+    EXPECT_EQ(chosen, table->groups[0].selectedPath);
+    ZrPathDeletePtr(chosen, 0);
+}
+
+TEST_F(Table, ATableWithoutGroupsGetsItsFirst)
+{
+    PATHREC *path = MakePath({{6, 1, 2}});
+    ZrPathNew(&table);
+    table->groupCount = 0;
+    EXPECT_EQ(1, ZrPathAddPathGroup(&table, path, "one", nullptr, nullptr));
+    EXPECT_EQ(1u, table->groupCount);
+    EXPECT_EQ(0u, table->currentGroup);
+    EXPECT_EQ(path, table->groups[0].activePath);
+}
+
 TEST_F(Table, RecordOneStepBackStandsIn)
 {
     PATHREC *paths[] = {MakeBox(0, 0, 5, 5), MakeBox(5, 5, 9, 9), MakeBox(7, 7, 9, 9)};

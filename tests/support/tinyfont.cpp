@@ -79,7 +79,7 @@ BYTES NameTable(const std::string &family)
 
 } // namespace
 
-std::vector<uint8_t> TinyFont(const std::string &family)
+std::vector<uint8_t> TinyFont(const std::string &family, const TINYFORM &form)
 {
     const std::vector<BYTES> glyphs = {
         Glyph({{0, 0, true}, {0, 300, true}, {300, 300, true}, {300, 0, true}}),
@@ -104,11 +104,17 @@ std::vector<uint8_t> TinyFont(const std::string &family)
     Words({300, 0, 400, 0, 600, 100, 1200, 100, 1000, 0}, &hmtx);
 
     /* (character, glyph), rising */
-    const std::vector<std::pair<int, int>> map = {{' ', 1},    {'A', 2},    {'O', 4},    {'Q', 3},
-                                                  {0x20AC, 2}, {0x3042, 2}, {0x4E00, 2}, {0xAC00, 2}};
+    const std::vector<std::pair<int, int>> unicode = {{' ', 1},    {'A', 2},    {'O', 4},    {'Q', 3},
+                                                      {0x20AC, 2}, {0x3042, 2}, {0x4E00, 2}, {0xAC00, 2}};
+    const std::vector<std::pair<int, int>> symbols = {{' ', 1}, {'Q', 3}, {0xF041, 2}};
+    const std::vector<std::pair<int, int>> &map = form.symbol ? symbols : unicode;
     BYTES cmap;
     const int segments = static_cast<int>(map.size()) + 1;
-    Words({0, 1, 3, 1, 0, 12, 4, 16 + 8 * segments, 0, 2 * segments, 16, 3, 2 * segments - 16}, &cmap);
+    int half = 1, steps = 0; /* of a search by halves */
+    while (half * 2 <= segments) half *= 2, steps++;
+    Words({0, 1, 3, form.symbol ? 0 : 1, 0, 12, 4, 16 + 8 * segments, 0, 2 * segments, 2 * half, steps,
+           2 * (segments - half)},
+          &cmap);
     for (const auto &[character, glyph] : map) U16(character, &cmap);
     Words({0xFFFF, 0}, &cmap);
     for (const auto &[character, glyph] : map) U16(character, &cmap);
@@ -129,12 +135,13 @@ std::vector<uint8_t> TinyFont(const std::string &family)
     Words({800, -200, 0, 1200, 0, 0, 1100, 1, 0, 0, 0, 0, 0, 0, 0, 5}, &hhea);
     U32(0x00010000, &maxp);
     Words({5, 8, 1, 0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0}, &maxp);
-    Words({3, 500, 400, 5, 0}, &os2);
+    Words({3, form.clipping ? 500 : 0, 400, 5, 0}, &os2);
     for (int i = 0; i < 10; i++) U16(100, &os2);
     Words({0, 0, 0, 0, 0, 0}, &os2);          /* family class, panose */
     for (int i = 0; i < 4; i++) U32(1, &os2); /* Unicode ranges */
     U32(0x54455354, &os2);
-    Words({0x40, 0x20, 0xAC00, 800, -200, 0, 800, 200}, &os2);
+    const int clipping = form.clipping;
+    Words({0x40, 0x20, 0xAC00, 800, -200, 0, 800 * clipping, 200 * clipping}, &os2);
     U32(1, &os2);
     U32(0, &os2);
     Words({500, 700, 0, 32, 1}, &os2);

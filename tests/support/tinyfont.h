@@ -17,7 +17,12 @@
 
 namespace zr32test {
 
-std::vector<uint8_t> TinyFont(const std::string &family);
+struct TINYFORM {
+    bool symbol = false;  /* a symbol font: blank and 'Q' at their codes, 'A' at 0xF041, and nothing else */
+    bool clipping = true; /* tells its clipping heights and average width */
+};
+
+std::vector<uint8_t> TinyFont(const std::string &family, const TINYFORM &form = {});
 
 /* Writes a file that no other process has into the folder for temporary files and gives its path. */
 std::string WriteTestFile(const std::string &name, const std::vector<uint8_t> &bytes);
