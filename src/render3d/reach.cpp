@@ -280,10 +280,6 @@ void MitreReach(const RENDER *render, const POINTDB &s, const RIDGE *ridge, doub
     if (std::fabs(h.x) >= 1e-5 || std::fabs(h.y) >= 1e-5) u = Dot(h, s - a) / Dot(h, h);
     const POINTDB from = a + b;
     const POINTDB way = foot + *reach - from;
-    /* Where feet lie close together u can be anything; the ridge is followed no farther than this beyond its ends. */
-    constexpr double beyond = 1.5;
-    const double slack = beyond / Length(way);
-    u = std::clamp(u, -slack, 1 + slack);
     const POINTDB inner = from + way * u;
     if (foot.x != mitre->foot.x || foot.y != mitre->foot.y) {
         mitre->halfFoot = LerpPoint(mitre->foot, foot, 0.5);
