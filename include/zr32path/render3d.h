@@ -86,8 +86,9 @@ ZRPATHAPI void ZrPathGet3DMiniMaxRect(const PATHREC *path, const POINTFXMAT3D *t
  *   glass       not 0: alpha follows the viewing angle, from 255 along the surface to 16 straight on. 0: the alpha of
  *               each sample is 0 before it is lit, so that samples are translucent, lit as glass, and the alpha buffer
  *               holds the highlights alone
- *   width       bevel width in pixels; below 1 nothing is drawn. What lies deeper than width inside the shape stays
- *               empty
+ *   width       bevel width in pixels; from 2 on something is drawn: where both halves of a cross-section are shorter
+ *               than a pixel, as in the thinnest strokes, there is none. What lies deeper than width inside the shape
+ *               stays empty
  *   scale, profile, invert  the bevel's cross-section, as in shade.h; scale changes nothing here
  *   light       three doubles, the unit vector to the light, or null for the one of the last call
  *   reserved    are not read
