@@ -574,6 +574,33 @@ TEST(Render, OutputOrigin)
     SceneFree(&scene);
 }
 
+TEST(Render, WhatIsCutOffLeavesTheRestAsItIs)
+{
+    for (PATHREC *(*make)() : {Star, Ell, Ring}) {
+        SCENE scene = MakeScene(make(), 40, 120, 120);
+        Turn(&scene, {0.6, 0.8, 0}, 30);
+        EXPECT_EQ(1, Render(&scene, {40, 0, 1, 0, 0}, lightFromBehind));
+        const std::vector<uint8_t> whole(scene.alpha, scene.alpha + 120 * 120);
+        const uint32_t colour = 0x003070E0;
+        for (const tagPOINT origin : {tagPOINT{60, 0}, tagPOINT{0, 60}, tagPOINT{50, 50}, tagPOINT{-70, -70}}) {
+            EXPECT_EQ(1, ZrPathABufRender(scene.path, &scene.camera, scene.colour, scene.alpha, 0, &origin,
+                                          &scene.maskOrigin, &colour, scene.mask, scene.surface, 0, 0, 0, 0, 0, 0, 0, 1,
+                                          0, 40, 0, 0, 0, lightFromBehind, 0));
+            int different = 0;
+            for (int y = 0; y < 120; y++)
+                for (int x = 0; x < 120; x++) {
+                    const int wx = x + origin.x, wy = y + origin.y;
+                    if (wx < 0 || wx >= 120 || wy < 0 || wy >= 120) continue;
+                    const int off = scene.alpha[y * 120 + x] - whole[static_cast<size_t>(wy * 120 + wx)];
+                    different += std::abs(off) > 16;
+                }
+            /* a rim or a fan that is walked from another point on rounds some pixels of its edges otherwise */
+            EXPECT_LE(different, 6) << origin.x << "," << origin.y;
+        }
+        SceneFree(&scene);
+    }
+}
+
 TEST(Render, RandomPathsAreSafe)
 {
     std::mt19937 random(11);
