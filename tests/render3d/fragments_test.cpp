@@ -27,9 +27,11 @@ TEST(FragPool, NumbersCountFromOneAndNothingMoves)
     EXPECT_EQ(first, FragAt(&pool, 1));
     for (uint32_t i = 1; i <= 10000; i++) ASSERT_EQ(static_cast<int32_t>(i), FragAt(&pool, i)->edge);
     EXPECT_EQ(10000u, pool.live);
+    const uint32_t used = pool.used;
     FragPoolFree(&pool);
     EXPECT_EQ(0u, pool.live);
     EXPECT_EQ(0u, pool.used);
+    EXPECT_EQ(used, FragPoolLastUsed());
 }
 
 TEST(FragPool, FreedFragmentsComeBackZeroed)

@@ -5,6 +5,7 @@
 #include "support/shapes.h"
 
 #include <cmath>
+#include <cstring>
 #include <gtest/gtest.h>
 
 using namespace zr32test;
@@ -409,6 +410,32 @@ TEST(Primitive, WritesOutsideThePlaneAreSkippedAndASinglePlaneIsEnough)
                 ZrPathDeletePtr(shape, 0);
             }
         }
+    }
+}
+
+TEST(Primitive, EachPlaneAloneIsAsItIsBesideTheOther)
+{
+    const auto shapeOf = [](int kind) {
+        PATHREC *path = kind == 1   ? Ellipse(20, 15, 12, 8)
+                        : kind == 2 ? Rectangle(6, 5, 33, 24)
+                        : kind == 3 ? RoundRect(6, 5, 33, 24, 5)
+                                    : Diamond(20, 15, 24, 16);
+        path->primitive = kind;
+        return path;
+    };
+    for (const int kind : {1, 2, 3, 4}) {
+        PATHREC *path = shapeOf(kind);
+        FIELD both(30, 30), distance(30, 30), vectors(30, 30); /* the shapes reach behind the right border */
+        ZrPathBufFree(distance.offset);
+        ZrPathBufFree(vectors.dist);
+        distance.offset = vectors.dist = nullptr;
+        for (FIELD *field : {&both, &distance, &vectors}) {
+            double h = 10;
+            ASSERT_EQ(1, VMapPrimitive(path, &h, &field->map)) << kind;
+        }
+        EXPECT_EQ(0, memcmp(both.dist, distance.dist, size_t{30} * 30 * sizeof(float))) << kind;
+        EXPECT_EQ(0, memcmp(both.offset, vectors.offset, size_t{30} * 30 * sizeof(SURFVECF))) << kind;
+        ZrPathDeletePtr(path, 0);
     }
 }
 
