@@ -604,7 +604,7 @@ void ReadBuffer(EDITOR &e)
     ZrPathBufGetWHU(buffer, &width, &height, &bits);
     if (!ZrPathBufLock1(buffer, 0, 0, 0, &lock)) return;
     const int32_t pixel = bits == 8 ? 1 : bits == 24 ? 3 : bits == 32 ? 4 : 8;
-    Check(ZrPathBufSize(buffer) == static_cast<uint32_t>(width * height * pixel) + 12);
+    Check(ZrPathBufSize(buffer) >= static_cast<uint32_t>(width * height * pixel) + 12);
     if (width && height) ZrPathBufLineRead(&lock, height - 1)[width * pixel - 1] ^= 0x55;
     ZrPathBufUnlock1(&lock);
     ZrPathBufFree(reinterpret_cast<PATHBUF>(1));
