@@ -145,9 +145,11 @@ int JointBendsAway(const JOINT *joint, int side)
 int FanDraw(RENDER *render, const JOINT *joint, int side, int atStart)
 {
     POINTDB at;
-    if (!JointBendsAway(joint, side) || !RimProject(render, joint->at, &at) || ReachUnseen(render, joint->at)) return 0;
-    const double half =
-        0.5 * std::atan2(std::fabs(Cross(joint->before, joint->after)), Dot(joint->before, joint->after));
+    if (!(JointBendsAway(joint, side) || JointIsSmooth(joint)) || !RimProject(render, joint->at, &at) ||
+        ReachUnseen(render, joint->at))
+        return 0;
+    /* Between the upright and the bisector; not above 0 where the outline does not bend away: one section will do. */
+    const double half = 0.5 * std::atan2(-Cross(joint->before, joint->after) * side, Dot(joint->before, joint->after));
     const POINTDB edge = atStart ? joint->after : joint->before;
     const POINTDB upright = POINTDB{-edge.y, edge.x} * side;
     render->hold = 1;
@@ -157,7 +159,7 @@ int FanDraw(RENDER *render, const JOINT *joint, int side, int atStart)
     for (double turn = 0;;) {
         /* The outline turns towards -side; the wedge lies that way from the upright at its end, and the other way at
          * its start. */
-        const double angle = atStart ? (half - turn) * side : turn * -side;
+        const double angle = atStart ? (half - turn) * side : std::min(turn, half) * -side;
         const double c = std::cos(angle);
         const double s = std::sin(angle);
         SECTION section;

@@ -210,34 +210,38 @@ int ReachFits(const RENDER *render, const POINTDB &at, const POINTDB &reach)
     return nearest == 0 || Length(reach) <= nearest + beyondRidge;
 }
 
+/* 1 when the way back from the pixel at the end of a reach leads to where the section stands. */
+int WayIsOwn(const RENDER *render, const POINTDB &at, const POINTDB &reach)
+{
+    constexpr double alike = 1.0; /* pixels */
+    const PIXELAT pixel = PixelAt(at + reach);
+    if (MaskPixel(render, pixel) != maskInside) return 0;
+    const POINTDB centre = {pixel.x + 0.5, pixel.y + 0.5};
+    return Length(centre + WaysAt(render, pixel).v1 - at) <= alike;
+}
+
 /* The directions of ways tell a ridge late where edges meet at a shallow angle, and early where pixels lie close to all
- * of them, as in the middle of a circle. What they tell is settled by the ways' lengths: a reach beyond the ridge is
- * cut, and one is drawn on as long as the way back from its end is the own one. */
-void ReachSettle(const RENDER *render, const POINTDB &at, POINTDB *reach)
+ * of them, as in the middle of a circle, or close to a tight bend. What they tell is settled by the ways themselves: a
+ * reach beyond the ridge is cut, and one is drawn on as long as the way back from its end is the own one. */
+void ReachSettle(const RENDER *render, const POINTDB &at, const POINTDB &inward, POINTDB *reach)
 {
     constexpr double stride = 0.25;
-    constexpr double alike = 1.0; /* pixels between the end of the way back and where the section stands */
+    constexpr double closeBy = 2; /* up to there the ways of a tight bend may be anything */
+    constexpr double toPixel = 0.75;
     const double r = Length(*reach);
-    if (r < 1) return;
-    const POINTDB along = *reach * (1 / r);
-    double t = r;
-    if (ReachFits(render, at, *reach)) {
-        while (t + stride <= render->width) {
-            const POINTDB end = along * (t + stride);
-            const PIXELAT pixel = PixelAt(at + end);
-            if (MaskPixel(render, pixel) != maskInside) break;
-            const POINTDB centre = {pixel.x + 0.5, pixel.y + 0.5};
-            if (!(Length(centre + WaysAt(render, pixel).v1 - at) <= alike)) break;
-            t += stride;
-        }
-        /* The ridge as it was found is better than that to a pixel. */
-        t = t - r > 1.5 ? t - 0.75 : r;
-    } else {
-        t = 1;
+    if (r >= 1 && !ReachFits(render, at, *reach)) {
+        const POINTDB along = *reach * (1 / r);
+        double t = 1;
         while (t < r && ReachFits(render, at, along * t)) t += stride;
-        t = std::min(t, r);
+        *reach = along * std::min(t, r);
+        return;
     }
-    *reach = along * t;
+    const POINTDB along = r >= 1 ? *reach * (1 / r) : inward;
+    const double start = r >= 1 ? r : closeBy - stride;
+    double t = start;
+    while (t + stride <= render->width && WayIsOwn(render, at, along * (t + stride))) t += stride;
+    if (t - start <= 2 * toPixel) return; /* the ridge as it was found is better than that to a pixel */
+    *reach = along * (t + stride > render->width ? render->width : t - toPixel);
 }
 
 /* Where the outline bends around a point in the middle of the shape, the ways from near that point lead anywhere, and
@@ -411,7 +415,7 @@ void SectionAt(const RENDER *render, const POINTDB &segmentStart, const POINTDB 
     if (centre > 0)
         section->reach = section->inward * centre;
     else if (searched)
-        ReachSettle(render, at, &section->reach);
+        ReachSettle(render, at, section->inward, &section->reach);
 }
 
 void FanSection(const RENDER *render, const POINTDB &at, const POINTDB &inward, const POINTDB &edge, SECTION *section)

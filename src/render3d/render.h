@@ -149,8 +149,8 @@ double RidgeDistance(const POINTDB &a, const POINTDB &b, double la, double lb);
 int InwardSide(const RENDER *render, const POINTDB &at, const POINTDB &normal, POINTDB *inward, int *isClear);
 
 /* The cross-section at a point of a segment with the given tangent and radius of bend towards the inside, 0 for none.
- * nearBend: the outline bends away from the inside
- * close by, so that the mask cannot be clear although the inside is. mitre carries over from sample to sample. */
+ * nearBend: the outline bends away from the inside close by, so that the
+ * mask cannot be clear although the inside is. mitre carries over from sample to sample. */
 void SectionAt(const RENDER *render, const POINTDB &segmentStart, const POINTDB &at, const POINTDB &tangent,
                double radius, double tolerance, int nearBend, MITRE *mitre, SECTION *section);
 
@@ -223,7 +223,8 @@ void KeepToOwnSide(const JOINT *joint, int atStart, SECTION *section);
 void CornersDraw(RENDER *render, const CORNERS *corners);
 
 /* A segment's part of the wedge behind a joint that bends away from the inside: sections from the bisector to the
- * upright one where the segment begins, or from there to the bisector where it ends. How many it has drawn. */
+ * upright one where the segment begins, or from there to the bisector where it ends. At a smooth joint the one section
+ * along its seam. How many it has drawn. */
 int FanDraw(RENDER *render, const JOINT *joint, int side, int atStart);
 
 /* The border between the faces of two segments that meet without a ridge, for the one that begins or ends there. Both
