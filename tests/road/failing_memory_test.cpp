@@ -64,7 +64,7 @@ const PATHBUF asked = reinterpret_cast<PATHBUF>(uintptr_t{1});
 
 const RECT drag = {20, 20, 60, 50};
 const ZRPOINTFX corner = {40 * 65536, 50 * 65536};
-constexpr FIXED px = fixedOne;
+constexpr ZRFIXED px = fixedOne;
 const ZRPOINTFX frame4[] = {{0, 0}, {90 * px, 5 * px}, {0, 60 * px}, {80 * px, 70 * px}};
 const ZRPOINTFX wider4[] = {{0, 0}, {95 * px, 5 * px}, {0, 65 * px}, {80 * px, 75 * px}};
 const ZRPOINTFX frame8[] = {{0, 0},       {30 * px, 0},       {60 * px, 0},       {90 * px, 0},
@@ -209,9 +209,7 @@ void AWindow(STAGE *stage)
 #if defined(ZR32_TEST_FONTS)
     AFont(stage);
 #endif
-#if !defined(_WIN32)
-    PortWindowState()->dc = stage->text.dc;
-#endif
+    SetWindowContext(stage->text.dc);
 }
 
 void APen(STAGE *stage)
@@ -320,7 +318,7 @@ void ASolid(STAGE *stage)
 
 /* ---- calls that several rows make ---- */
 
-void Masks(GIVEN *given, PATHREC *path, int32_t depth, int32_t scope, FIXED zoom)
+void Masks(GIVEN *given, PATHREC *path, int32_t depth, int32_t scope, ZRFIXED zoom)
 {
     given->result = ZrPathToBuf(path, depth, 0, 1, scope, zoom, &given->rects, &given->masks, 0);
 }
@@ -430,8 +428,9 @@ void ATableOfSixGroupsOrNone(const FAILED &f)
     }
 }
 
-/* Lines and bars may be missing for want of records; the paths are whole when only the mask is missing. */
-void PathsWithoutAMaskOrLessOfBoth(const FAILED &f)
+/* Lines and bars may be missing for want of records; the paths are whole when only the mask is missing. In a build
+ * without fonts nobody asks. */
+[[maybe_unused]] void PathsWithoutAMaskOrLessOfBoth(const FAILED &f)
 {
     const size_t all = LengthOf(f.with.path);
     const size_t length = LengthOf(f.given.path);

@@ -1,16 +1,20 @@
 /* road_test.cpp - whole roads from a fixed outline to pixels, compared with what the 64-bit build for Linux wrote.
  *
- * Every build for every system must give the same bytes. Stages whose numbers pass through a mathematical function that
- * is not the same to the last bit in every C library (pow, tan, acos, asin, atan2, sin, cos) are compared within one
- * level; they say so in the table. ZR32_ROAD_WRITE=FOLDER writes the files instead of comparing.
+ * Every build for every system must give the same bytes, streams among them: what one build writes all others write and
+ * read. Stages whose numbers pass through a mathematical function that is not the same to the last bit in every C
+ * library (pow, tan, acos, asin, atan2, sin, cos) are compared within one level; they say so where they compare.
+ * ZR32_ROAD_WRITE=FOLDER writes the files instead of comparing.
  */
+#include "store/store.h"
 #include "support/shapes.h"
+#include "support/textdc.h"
 
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <gtest/gtest.h>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -65,6 +69,35 @@ BLOCK ReadAll(const std::string &file)
     return block;
 }
 
+std::string Kept(const std::string &name)
+{
+    return std::string(ZR32_TEST_DATA) + "/road/" + name + ".bin";
+}
+
+BLOCK Flattened(PATHREC *path)
+{
+    uint32_t size = 0;
+    void *stream = nullptr;
+    if (!ZrPathFlatten(path, &size, &stream)) return {};
+    const uint8_t *bytes = static_cast<const uint8_t *>(stream);
+    const BLOCK block(bytes, bytes + size);
+    GlobalFree(stream);
+    return block;
+}
+
+/* Null for no bytes. */
+PATHREC *Unflattened(const BLOCK &block)
+{
+    if (block.empty()) return nullptr;
+    ZrPathInit();
+    void *stream = GlobalAlloc(GPTR, block.size());
+    memcpy(stream, block.data(), block.size());
+    PATHREC *path = nullptr;
+    ZrPathUnFlatten(&stream, &path);
+    GlobalFree(stream);
+    return path;
+}
+
 void Compare(const std::string &name, const BLOCK &got, COMPARE how)
 {
     if (const char *folder = getenv("ZR32_ROAD_WRITE")) {
@@ -74,7 +107,7 @@ void Compare(const std::string &name, const BLOCK &got, COMPARE how)
         fclose(out);
         return;
     }
-    const BLOCK wanted = ReadAll(std::string(ZR32_TEST_DATA) + "/road/" + name + ".bin");
+    const BLOCK wanted = ReadAll(Kept(name));
     ASSERT_EQ(wanted.size(), got.size()) << name;
     size_t differing = 0;
     int widest = 0;
@@ -88,11 +121,79 @@ void Compare(const std::string &name, const BLOCK &got, COMPARE how)
         EXPECT_LE(widest, 1) << name << ": " << differing << " bytes differ";
 }
 
+/* A chain that has in it whatever a stream can carry: joined and selected records, node bits, a primitive, shapes, a
+ * record with room to spare. */
+PATHREC *Everything()
+{
+    PATHREC *path = Outline();
+    PATHREC *star = path->nextJoin->nextJoin;
+    star->flags = PATHREC_NODEEDIT | PATHREC_HIDDEN;
+    star->nodes[3].type |= PATHNODE_SELECTED;
+    PATHREC *shapes =
+        MakePath({{6, 10, 20}, {0x101, 70.25, 60}, {0, -0.5, 0}, {0x200, 40, 40}, {0x401, 5, 0.5}, {2, 8, 9}});
+    shapes->flags = PATHREC_SELECTED;
+    shapes->primitive = ZRPRIM_BAR;
+    star->nextSel = shapes;
+    shapes->prevSel = star;
+    ZrPathChainPaths(&path, shapes);
+    PATHREC *roomy = ZrPathCreate();
+    const ZRPOINTFX points[2] = {{-70000, INT32_MIN}, {INT32_MAX, 1}};
+    ZrPathAddPoint(&roomy, &points[0], PATHNODE_START);
+    ZrPathAddPoint(&roomy, &points[1], PATHNODE_LINE | PATHNODE_CLOSING);
+    ZrPathChainPaths(&path, roomy);
+    return path;
+}
+
+/* Every field of every record, links as places in the table chain. */
+std::string Description(const PATHREC *path)
+{
+    const auto place = [path](const PATHREC *record) {
+        int at = 0;
+        for (const PATHREC *p = path; p; p = p->nextPath, at++)
+            if (p == record) return at;
+        return record ? -2 : -1;
+    };
+    std::ostringstream out;
+    for (const PATHREC *p = path; p; p = p->nextPath) {
+        out << p->streamTag << ' ' << p->nodeCount << ' ' << p->flags << ' ' << p->primitive;
+        for (const PATHREC *link : {p->prevPath, p->nextPath, p->prevJoin, p->nextJoin, p->prevSel, p->nextSel})
+            out << ' ' << place(link);
+        out << ", room for " << zr32::RecordRoom(p);
+        for (uint32_t i = 0; i < p->nodeCount; i++)
+            out << '\n' << p->nodes[i].type << ' ' << ZRFIXED{p->nodes[i].x} << ' ' << ZRFIXED{p->nodes[i].y};
+        out << "\n\n";
+    }
+    return out.str();
+}
+
+/* The demo's text from a stream, since fonts are not the same on every system. */
+PATHREC *Lettering()
+{
+#if defined(ZR32_TEST_FONTS)
+    if (getenv("ZR32_ROAD_WRITE")) {
+        TEXTDC dc = TextDcMake("DejaVu Sans", 40);
+        char text[] = "Zr32path";
+        TEXTPARAM param = {};
+        param.output = 1021;
+        PATHREC *path = nullptr;
+        RECT rect;
+        ZrPathCreateText(dc.dc, text, &param, &path, &rect);
+        TextDcFree(&dc);
+        ZrPathChainPaths(&path, MakePath({{6, 0, 0}}));
+        ZrPathOffset(path, 10, 30);
+        Compare("lettering", Flattened(path), SAME_BYTES);
+        return path;
+    }
+#endif
+    return Unflattened(ReadAll(Kept("lettering")));
+}
+
 struct ROAD {
     PATHREC *path;
     PATHBUF mask;
     PATHBUF distance;
     PATHBUF offset;
+    double width;
 };
 
 PATHBUF Mask(PATHREC *path, int32_t depth, int32_t aaMode, int32_t scope)
@@ -106,9 +207,9 @@ PATHBUF Mask(PATHREC *path, int32_t depth, int32_t aaMode, int32_t scope)
     return mask;
 }
 
-ROAD Swept(double width)
+ROAD Swept(PATHREC *path, double width)
 {
-    ROAD road = {Outline(), nullptr, nullptr, nullptr};
+    ROAD road = {path, nullptr, nullptr, nullptr, width};
     road.mask = Mask(road.path, 8, 1, 0);
     road.distance = road.offset = reinterpret_cast<PATHBUF>(1);
     EXPECT_EQ(1, ZrPathVMap(road.path, &road.distance, &road.offset, 0, 0, 0, 0, 0, &width, 0, 1, road.mask, nullptr,
@@ -144,6 +245,64 @@ PATHBUF Grey(int32_t width, int32_t height)
     return grey;
 }
 
+constexpr double slope = 0.5773502; /* of a light halfway between three axes */
+
+void LightsOn()
+{
+    ShadingGammaToMap();
+    const int32_t shininess[4] = {24, 30, 12, 8};
+    const int32_t percent[4] = {60, 40, 70, 20};
+    const uint32_t colours[4] = {0xFFFFFF, 0x80FF40, 0x4060FF, 0xFF8020};
+    ZrPathAdjPhongIllum(shininess, percent, 0x202020, colours, 1, 25);
+    ZrPathAdjMetallicIllum(shininess, percent, 1, 60);
+}
+
+void ComparePhong(const std::string &name, const ROAD &road, int32_t profile)
+{
+    PATHBUF image = Colour(road.mask);
+    ZrPathShadePhong(image, road.width, profile, 0, 0, 0, road.distance, road.offset, 0, road.mask, nullptr, 0, 0, 0,
+                     -slope, -slope, slope, 0, 0, 0, nullptr);
+    Compare(name, Bytes(image), ONE_LEVEL);
+    ZrPathBufFree(image);
+}
+
+void CompareMetallic(const std::string &name, const ROAD &road)
+{
+    PATHBUF image = Colour(road.mask);
+    ZrPathShadeMetallic(image, road.width, 0, 1, 20, 0, road.distance, road.offset, 0, road.mask, nullptr, 1, 40, 40,
+                        -slope, -slope, slope, 0x60C8FF, nullptr, 0, 0, nullptr);
+    Compare(name, Bytes(image), ONE_LEVEL);
+    ZrPathBufFree(image);
+}
+
+void CompareRender(const std::string &name, const ROAD &road, int32_t width)
+{
+    PATHBUF mask = Mask(road.path, 4, 1, 0);
+    RECT rect;
+    ZrPathGetMiniMaxRect(road.path, 0x10000, &rect);
+    const POINT maskOrigin = {rect.left, rect.top};
+    const POINT outOrigin = {0, 0};
+    POINTFXMAT3D camera = {};
+    camera.center = camera.shift = {width / 2 * 65536, 48 * 65536};
+    camera.viewSize = width;
+    camera.viewAngle = 40;
+    camera.matrix = {{1, 0, 0, 0, 1, 0, 0, 0, 1}};
+    const tagPOINT3D axis = {0, 1, 0};
+    VThitaGetMatrix(0.5, 0.8660254037844386, &axis, &camera.matrix);
+    PATHBUF colour = ZrPathBufAlloc(24, width, 100);
+    PATHBUF alpha = ZrPathBufAlloc(8, width, 100);
+    const uint32_t material = 0x2C5CD6;
+    const double light[3] = {-slope, -slope, slope};
+    ASSERT_EQ(1, ZrPathABufRender(road.path, &camera, colour, alpha, 0, &outOrigin, &maskOrigin, &material, mask,
+                                  road.offset, 0, 0, 0, 0, 0, 0, 0, 1, 0, static_cast<int32_t>(road.width), 0, 0, 0,
+                                  light, 0));
+    Compare(name + "-colour", Bytes(colour), ONE_LEVEL);
+    Compare(name + "-alpha", Bytes(alpha), ONE_LEVEL);
+    ZrPathBufFree(colour);
+    ZrPathBufFree(alpha);
+    ZrPathBufFree(mask);
+}
+
 TEST(Road, MasksAreTheSameBytesOnEveryBuild)
 {
     PATHREC *path = Outline();
@@ -175,36 +334,18 @@ TEST(Road, DisplayBufferIsTheSameBytesOnEveryBuild)
 
 TEST(Road, StreamIsTheSameBytesOnEveryBuildAndReadsBack)
 {
-    PATHREC *path = Outline();
-    uint32_t size = 0;
-    void *stream = nullptr;
-    ASSERT_EQ(1, ZrPathFlatten(path, &size, &stream));
-    Compare("stream", BLOCK(static_cast<uint8_t *>(stream), static_cast<uint8_t *>(stream) + size), SAME_BYTES);
-    GlobalFree(stream);
-
-    const BLOCK kept = ReadAll(std::string(ZR32_TEST_DATA) + "/road/stream.bin");
-    if (!kept.empty()) {
-        void *block = GlobalAlloc(GPTR, kept.size());
-        memcpy(block, kept.data(), kept.size());
-        PATHREC *read = nullptr;
-        ASSERT_EQ(1, ZrPathUnFlatten(&block, &read));
-        const PATHREC *a = path;
-        const PATHREC *b = read;
-        for (; a && b; a = a->nextPath, b = b->nextPath) {
-            ASSERT_EQ(a->nodeCount, b->nodeCount);
-            EXPECT_EQ(0, memcmp(a->nodes, b->nodes, a->nodeCount * sizeof(PATHNODE)));
-            EXPECT_EQ(a->nextJoin == a->nextPath, b->nextJoin == b->nextPath);
-        }
-        EXPECT_TRUE(!a && !b);
-        ZrPathDeletePtr(read, 0);
-        GlobalFree(block);
-    }
+    PATHREC *path = Everything();
+    Compare("stream", Flattened(path), SAME_BYTES);
+    PATHREC *read = Unflattened(ReadAll(Kept("stream")));
+    ASSERT_NE(nullptr, read);
+    EXPECT_EQ(Description(path), Description(read));
+    ZrPathDeletePtr(read, 0);
     ZrPathDeletePtr(path, 0);
 }
 
 TEST(Road, SweptPlanesAreTheSameBytesOnEveryBuild)
 {
-    ROAD road = Swept(9);
+    ROAD road = Swept(Outline(), 9);
     Compare("swept-distance", Bytes(road.distance), SAME_BYTES);
     Compare("swept-offset", Bytes(road.offset), SAME_BYTES);
     Free(&road);
@@ -226,31 +367,15 @@ TEST(Road, ExactPlanesAreTheSameBytesOnEveryBuild)
 
 TEST(Road, ShadersAgreeWithinOneLevelOnEveryBuild)
 {
-    ROAD road = Swept(9);
-    ShadingGammaToMap();
-    const int32_t shininess[4] = {24, 30, 12, 8};
-    const int32_t percent[4] = {60, 40, 70, 20};
-    const uint32_t colours[4] = {0xFFFFFF, 0x80FF40, 0x4060FF, 0xFF8020};
-    ZrPathAdjPhongIllum(shininess, percent, 0x202020, colours, 1, 25);
-    ZrPathAdjMetallicIllum(shininess, percent, 1, 60);
-    const double a = 0.5773502;
-    const double lights[12] = {-a, -a, a, a, -a, a, -a, a, a, a, a, a};
+    ROAD road = Swept(Outline(), 9);
+    LightsOn();
+    const double lights[12] = {-slope, -slope, slope, slope, -slope, slope, -slope, slope, slope, slope, slope, slope};
     const int32_t spotOn[4] = {1, 0, 1, 0};
     const int32_t spotPos[8] = {30, 30, 50, 50, 70, 60, 10, 90};
     static const int32_t profiles[] = {0, 1, 100, 101, 102, 103, 104};
-    for (int32_t profile : profiles) {
-        PATHBUF image = Colour(road.mask);
-        ZrPathShadePhong(image, 9, profile, 0, 0, 0, road.distance, road.offset, 0, road.mask, nullptr, 0, 0, 0, -a, -a,
-                         a, 0, 0, 0, nullptr);
-        Compare("phong-" + std::to_string(profile), Bytes(image), ONE_LEVEL);
-        ZrPathBufFree(image);
-    }
+    for (int32_t profile : profiles) ComparePhong("phong-" + std::to_string(profile), road, profile);
+    CompareMetallic("metallic", road);
     PATHBUF image = Colour(road.mask);
-    ZrPathShadeMetallic(image, 9, 0, 1, 20, 0, road.distance, road.offset, 0, road.mask, nullptr, 1, 40, 40, -a, -a, a,
-                        0x60C8FF, nullptr, 0, 0, nullptr);
-    Compare("metallic", Bytes(image), ONE_LEVEL);
-    ZrPathBufFree(image);
-    image = Colour(road.mask);
     ZrPathShadeMultiPhong(image, 9, 0, 0, 0, 0, road.distance, road.offset, 0, road.mask, nullptr, 4, spotOn, spotPos,
                           lights, 0, 0, 0, nullptr);
     Compare("multi-phong", Bytes(image), ONE_LEVEL);
@@ -265,7 +390,7 @@ TEST(Road, ShadersAgreeWithinOneLevelOnEveryBuild)
 
 TEST(Road, MapsAgreeWithinOneLevelOnEveryBuild)
 {
-    ROAD road = Swept(9);
+    ROAD road = Swept(Outline(), 9);
     int32_t width, height, bits;
     ZrPathBufGetWHU(road.mask, &width, &height, &bits);
     PATHBUF source = Grey(64, 32);
@@ -281,30 +406,26 @@ TEST(Road, MapsAgreeWithinOneLevelOnEveryBuild)
 
 TEST(Road, RenderAgreesWithinOneLevelOnEveryBuild)
 {
-    ROAD road = Swept(9);
-    PATHBUF mask = Mask(road.path, 4, 1, 0);
-    RECT rect;
-    ZrPathGetMiniMaxRect(road.path, 0x10000, &rect);
-    const POINT maskOrigin = {rect.left, rect.top};
-    const POINT outOrigin = {0, 0};
-    POINTFXMAT3D camera = {};
-    camera.center = camera.shift = {90 * 65536, 48 * 65536};
-    camera.viewSize = 180;
-    camera.viewAngle = 40;
-    camera.matrix = {{1, 0, 0, 0, 1, 0, 0, 0, 1}};
-    const tagPOINT3D axis = {0, 1, 0};
-    VThitaGetMatrix(0.5, 0.8660254037844386, &axis, &camera.matrix);
-    PATHBUF colour = ZrPathBufAlloc(24, 180, 100);
-    PATHBUF alpha = ZrPathBufAlloc(8, 180, 100);
-    const uint32_t material = 0x2C5CD6;
-    const double light[3] = {-0.5773502, -0.5773502, 0.5773502};
-    ASSERT_EQ(1, ZrPathABufRender(road.path, &camera, colour, alpha, 0, &outOrigin, &maskOrigin, &material, mask,
-                                  road.offset, 0, 0, 0, 0, 0, 0, 0, 1, 0, 9, 0, 0, 0, light, 0));
-    Compare("render-colour", Bytes(colour), ONE_LEVEL);
-    Compare("render-alpha", Bytes(alpha), ONE_LEVEL);
-    ZrPathBufFree(colour);
-    ZrPathBufFree(alpha);
-    ZrPathBufFree(mask);
+    ROAD road = Swept(Outline(), 9);
+    CompareRender("render", road, 180);
+    Free(&road);
+}
+
+TEST(Road, LetteringIsTheSameOnEveryBuild)
+{
+    PATHREC *path = Lettering();
+    ASSERT_NE(nullptr, path);
+    PATHBUF fine = Mask(path, 4, 1, 0);
+    Compare("lettering-mask-abuffer", Bytes(fine), SAME_BYTES);
+    ZrPathBufFree(fine);
+    ROAD road = Swept(path, 4);
+    Compare("lettering-mask", Bytes(road.mask), SAME_BYTES);
+    Compare("lettering-distance", Bytes(road.distance), SAME_BYTES);
+    Compare("lettering-offset", Bytes(road.offset), SAME_BYTES);
+    LightsOn();
+    ComparePhong("lettering-phong", road, 0);
+    CompareMetallic("lettering-metallic", road);
+    CompareRender("lettering-render", road, 220);
     Free(&road);
 }
 

@@ -102,9 +102,7 @@ STAGE::~STAGE()
     GlobalBlockFree(stream);
     for (PATHBUF buf : bufs) ZrPathBufFree(buf);
     SceneFree(&solid);
-#if !defined(_WIN32)
-    PortWindowState()->dc = nullptr;
-#endif
+    SetWindowContext(nullptr);
     if (text.dc) TextDcFree(&text);
 }
 

@@ -7,6 +7,7 @@
 #include "render3d/scene.h"
 #include "support/document.h"
 #include "support/pendriver.h"
+#include "support/system.h"
 #include "support/textdc.h"
 
 #include <memory>

@@ -57,7 +57,7 @@ size_t BlockSize(const void *block)
 TEST_F(Table, NewTableHasOneEmptyGroup)
 {
     ASSERT_EQ(1, ZrPathNew(&table));
-    EXPECT_EQ(tableHeaderSize + sizeof(PATHGROUP), BlockSize(table)) << "332 bytes on a 32-bit build";
+    EXPECT_EQ(tableHeaderSize + sizeof(PATHGROUP), BlockSize(table));
     EXPECT_EQ(0u, table->currentGroup);
     EXPECT_EQ(0x10000u, table->version);
     EXPECT_EQ(1u, table->groupCount);
@@ -118,7 +118,7 @@ TEST_F(Table, EmptyFirstGroupIsTakenOverAndASecondOneGrowsTheBlock)
     PATHREC *second = AddBox("two");
     EXPECT_EQ(2u, table->groupCount);
     EXPECT_EQ(1u, table->currentGroup);
-    EXPECT_EQ(tableHeaderSize + 2 * sizeof(PATHGROUP), BlockSize(table)) << "600 bytes on a 32-bit build";
+    EXPECT_EQ(tableHeaderSize + 2 * sizeof(PATHGROUP), BlockSize(table));
     EXPECT_EQ(1u, table->groups[1].index);
     EXPECT_EQ(first, table->groups[0].activePath);
     EXPECT_EQ(second, table->groups[1].activePath);
