@@ -25,6 +25,7 @@ TEST(Vector, SubOfNullIsNullAndWritesNothing)
     double out[2] = {1, 2};
     EXPECT_EQ(nullptr, Vec2Sub(nullptr, a, out));
     EXPECT_EQ(nullptr, Vec2Sub(a, nullptr, out));
+    EXPECT_EQ(nullptr, Vec2Sub(a, a, nullptr));
     EXPECT_EQ(1, out[0]);
     EXPECT_EQ(2, out[1]);
 }
@@ -50,6 +51,16 @@ TEST(Vector, ScaleByZeroLeavesBothAlone)
     EXPECT_EQ(-4, a[1]);
     EXPECT_EQ(8, out[0]);
     EXPECT_EQ(9, out[1]);
+}
+
+TEST(Vector, ScaleOfNullWritesNothing)
+{
+    double a[2] = {3, -4};
+    double out[2] = {8, 9};
+    EXPECT_EQ(out, Vec2Scale(nullptr, 2, out));
+    EXPECT_EQ(nullptr, Vec2Scale(a, 2, nullptr));
+    EXPECT_EQ(3, a[0]);
+    EXPECT_EQ(8, out[0]);
 }
 
 TEST(Vector, LengthsAndProductsOfNullAreZero)

@@ -65,6 +65,22 @@ TEST(PortGdi, SelectGivesWhatWasThere)
     EXPECT_EQ(PortObjectCount(), before);
 }
 
+TEST(PortGdi, BackgroundModesAndClipsOfNoHeight)
+{
+    HDC dc = CreateCompatibleDC(nullptr);
+    EXPECT_EQ(SelectObject(dc, nullptr), nullptr);
+    EXPECT_EQ(SetBkMode(nullptr, OPAQUE), 0);
+    EXPECT_EQ(SetBkMode(dc, 99), 0);
+    EXPECT_EQ(SetBkMode(dc, TRANSPARENT), OPAQUE);
+    EXPECT_EQ(SetBkMode(dc, OPAQUE), TRANSPARENT);
+    for (const RECT &box : {RECT{3, 1, 3, 9}, RECT{1, 3, 9, 3}, RECT{1, 1, 9, 9}}) {
+        HRGN region = CreateRectRgn(box.left, box.top, box.right, box.bottom);
+        EXPECT_EQ(SelectClipRgn(dc, region), box.right - box.left == box.bottom - box.top ? SIMPLEREGION : NULLREGION);
+        DeleteObject(region);
+    }
+    DeleteDC(dc);
+}
+
 TEST(PortGdi, SelectedObjectIsNotDeleted)
 {
     HDC dc = CreateCompatibleDC(nullptr);

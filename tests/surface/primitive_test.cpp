@@ -415,17 +415,16 @@ TEST(Primitive, WritesOutsideThePlaneAreSkippedAndASinglePlaneIsEnough)
 
 TEST(Primitive, EachPlaneAloneIsAsItIsBesideTheOther)
 {
-    const auto shapeOf = [](int kind) {
-        PATHREC *path = kind == 1   ? Ellipse(20, 15, 12, 8)
-                        : kind == 2 ? Rectangle(6, 5, 33, 24)
-                        : kind == 3 ? RoundRect(6, 5, 33, 24, 5)
-                                    : Diamond(20, 15, 24, 16);
+    /* The first ones reach behind the right border; the last two have ends that are copies. */
+    const struct {
+        int kind;
+        PATHREC *path;
+    } shapes[] = {{1, Ellipse(20, 15, 12, 8)},  {2, Rectangle(6, 5, 33, 24)}, {3, RoundRect(6, 5, 33, 24, 5)},
+                  {4, Diamond(20, 15, 24, 16)}, {4, Diamond(2, 15, 24, 16)},  {4, Diamond(20, 15, 8, 10)},
+                  {4, Diamond(20, 15, 15, 10)}};
+    for (const auto &[kind, path] : shapes) {
         path->primitive = kind;
-        return path;
-    };
-    for (const int kind : {1, 2, 3, 4}) {
-        PATHREC *path = shapeOf(kind);
-        FIELD both(30, 30), distance(30, 30), vectors(30, 30); /* the shapes reach behind the right border */
+        FIELD both(30, 30), distance(30, 30), vectors(30, 30);
         ZrPathBufFree(distance.offset);
         ZrPathBufFree(vectors.dist);
         distance.offset = vectors.dist = nullptr;
