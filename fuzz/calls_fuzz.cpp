@@ -136,7 +136,7 @@ void Settle(EDITOR &e)
 
 void MakeChain(EDITOR &e)
 {
-    KeepLoose(e, TakeChain(&e.bytes, 60));
+    KeepLoose(e, TakeChain(&e.bytes, 60, 40));
 }
 
 void MakePoints(EDITOR &e)
@@ -778,7 +778,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     EDITOR e = {};
     e.bytes = {data, size};
     ZrPathCoordStruct(0, 0, 64, 48, 0, 0, 1, nullptr, &e.views[0]);
-    PATHREC *first = TakeChain(&e.bytes, 60);
+    PATHREC *first = TakeChain(&e.bytes, 60, 40);
     if (!ZrPathAddPathGroup(&e.tables[0], first, "first", e.views[0], &e.dirty)) ZrPathDeletePtr(first, 0);
     for (int32_t step = 0; step < mostSteps && e.bytes.left > 0; step++) Call(e);
     for (PATHREC *path : e.loose) ZrPathDeletePtr(zr32::PathChainFirst(path), 0);

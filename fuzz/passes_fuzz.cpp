@@ -201,7 +201,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     SceneReset();
     const uint8_t what = Take<uint8_t>(&bytes);
     /* Mostly so small that mask and solid share one scale. */
-    PATHREC *path = TakeChain(&bytes, what >= 0xF0 ? 2000 : what & 0x80 ? 40 : 18);
+    PATHREC *path = TakeChain(&bytes, what >= 0xF0 ? 2000 : what & 0x80 ? 40 : 18, 12);
     PLANES planes = {nullptr, nullptr, nullptr, 16, 12};
     if (path && (what & 1)) Masks(&bytes, path);
     if (path && (what & 2)) planes = Surface(&bytes, path);

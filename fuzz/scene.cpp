@@ -49,6 +49,31 @@ bool InChain(const PATHREC *head, const PATHREC *path)
     return head != nullptr;
 }
 
+PATHREC *TakeRecord(BYTES *bytes, int32_t reach, int32_t mostNodes)
+{
+    static const uint16_t codes[] = {2,      2,      4,      4,     3,     5,     6,     0x2004,
+                                     0x8002, 0x8004, 0x8006, 0x100, 0x101, 0x200, 0x400, 0x8003};
+    const uint32_t count = static_cast<uint32_t>(TakeRange(bytes, 0, mostNodes));
+    PATHREC *path = zr32::RecordAlloc(count);
+    if (!path) return nullptr;
+    for (uint32_t i = 0; i < count; i++) {
+        const uint8_t pick = Take<uint8_t>(bytes);
+        path->nodes[i].type = i == 0 && pick < 250 ? uint16_t{PATHNODE_START}
+                              : pick == 255        ? Take<uint16_t>(bytes)
+                                                   : codes[pick % 16];
+        const bool anywhere = pick == 254;
+        path->nodes[i].x = anywhere ? Take<int32_t>(bytes) : TakeRange(bytes, -reach * 16, reach * 16) * 4096;
+        path->nodes[i].y = anywhere ? Take<int32_t>(bytes) : TakeRange(bytes, -reach * 16, reach * 16) * 4096;
+    }
+    path->nodeCount = count;
+    static const uint32_t flags[] = {
+        0, PATHREC_SELECTED,   PATHREC_NODEEDIT, PATHREC_ENVELOPE, PATHREC_SELECTED | PATHREC_HIDDEN, PATHREC_HIDDEN,
+        0, PATHREC_FREELATTICE};
+    path->flags = TakeOne(bytes, flags);
+    path->primitive = TakeRange(bytes, 0, 6);
+    return path;
+}
+
 } // namespace
 
 void Check(bool holds)
@@ -81,39 +106,14 @@ void SceneCheckLeaks()
 
 /* ---- records ---- */
 
-PATHREC *TakeRecord(BYTES *bytes, int32_t reach)
-{
-    static const uint16_t codes[] = {2,      2,      4,      4,     3,     5,     6,     0x2004,
-                                     0x8002, 0x8004, 0x8006, 0x100, 0x101, 0x200, 0x400, 0x8003};
-    const uint32_t count = static_cast<uint32_t>(TakeRange(bytes, 0, 40));
-    PATHREC *path = zr32::RecordAlloc(count);
-    if (!path) return nullptr;
-    for (uint32_t i = 0; i < count; i++) {
-        const uint8_t pick = Take<uint8_t>(bytes);
-        path->nodes[i].type = i == 0 && pick < 250 ? uint16_t{PATHNODE_START}
-                              : pick == 255        ? Take<uint16_t>(bytes)
-                                                   : codes[pick % 16];
-        const bool anywhere = pick == 254;
-        path->nodes[i].x = anywhere ? Take<int32_t>(bytes) : TakeRange(bytes, -reach * 16, reach * 16) * 4096;
-        path->nodes[i].y = anywhere ? Take<int32_t>(bytes) : TakeRange(bytes, -reach * 16, reach * 16) * 4096;
-    }
-    path->nodeCount = count;
-    static const uint32_t flags[] = {
-        0, PATHREC_SELECTED,   PATHREC_NODEEDIT, PATHREC_ENVELOPE, PATHREC_SELECTED | PATHREC_HIDDEN, PATHREC_HIDDEN,
-        0, PATHREC_FREELATTICE};
-    path->flags = TakeOne(bytes, flags);
-    path->primitive = TakeRange(bytes, 0, 6);
-    return path;
-}
-
-PATHREC *TakeChain(BYTES *bytes, int32_t reach)
+PATHREC *TakeChain(BYTES *bytes, int32_t reach, int32_t mostNodes)
 {
     const int32_t count = TakeRange(bytes, 1, 6);
     PATHREC *head = nullptr;
     PATHREC *last = nullptr;
     PATHREC *lastSelected = nullptr;
     for (int32_t i = 0; i < count; i++) {
-        PATHREC *path = TakeRecord(bytes, reach);
+        PATHREC *path = TakeRecord(bytes, reach, mostNodes);
         if (!path) break;
         if (last) {
             zr32::ChainLink(zr32::tableChain, last, path);
@@ -238,8 +238,8 @@ POINTFXMAT3D TakeCamera(BYTES *bytes)
     const uint8_t how = Take<uint8_t>(bytes);
     camera.center = {TakeRange(bytes, -60, 60) * 65536, TakeRange(bytes, -60, 60) * 65536};
     camera.shift = {TakeRange(bytes, -60, 60) * 65536, TakeRange(bytes, -60, 60) * 65536};
-    camera.viewSize = how & 1 ? TakeDouble(bytes) : TakeRange(bytes, 1, 400);
-    camera.viewAngle = how & 2 ? TakeDouble(bytes) : TakeRange(bytes, 5, 120);
+    camera.viewSize = (how & 0x11) == 0x11 ? TakeDouble(bytes) : TakeRange(bytes, 60, 400);
+    camera.viewAngle = (how & 0x22) == 0x22 ? TakeDouble(bytes) : TakeRange(bytes, 5, 100);
     if (how & 4) {
         for (double &value : camera.matrix.m) value = TakeDouble(bytes) / 64;
         return camera;

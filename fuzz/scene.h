@@ -18,11 +18,9 @@ void Check(bool holds);
 
 /* ---- records ---- */
 
-/* A record of up to 40 nodes of any codes whose points lie within reach pixels of the origin; flags as decoded. */
-PATHREC *TakeRecord(BYTES *bytes, int32_t reach);
-
-/* A chain of one to six records, linked by the table chain and, by bits of the input, by join and selected chain. */
-PATHREC *TakeChain(BYTES *bytes, int32_t reach);
+/* A chain of one to six records of up to mostNodes nodes each, of any codes, whose points lie within reach pixels of
+ * the origin or, rarely, anywhere; linked by the table chain and, by bits of the input, by join and selected chain. */
+PATHREC *TakeChain(BYTES *bytes, int32_t reach, int32_t mostNodes);
 
 /* The number of records of a table chain from its head. Traps unless the links of table and join chain are answered by
  * the record that they lead to, those of the selected chain lead on in the order of the table chain (flags say who is
