@@ -171,8 +171,8 @@ PATHREC *Lettering()
 {
 #if defined(ZR32_TEST_FONTS)
     if (getenv("ZR32_ROAD_WRITE")) {
-        TEXTDC dc = TextDcMake("DejaVu Sans", 40);
-        char text[] = "Zr32path";
+        TEXTDC dc = TextDcMake("DejaVu Sans", 80);
+        char text[] = "Zr32";
         TEXTPARAM param = {};
         param.output = 1021;
         PATHREC *path = nullptr;
@@ -418,14 +418,14 @@ TEST(Road, LetteringIsTheSameOnEveryBuild)
     PATHBUF fine = Mask(path, 4, 1, 0);
     Compare("lettering-mask-abuffer", Bytes(fine), SAME_BYTES);
     ZrPathBufFree(fine);
-    ROAD road = Swept(path, 4);
+    ROAD road = Swept(path, 6);
     Compare("lettering-mask", Bytes(road.mask), SAME_BYTES);
     Compare("lettering-distance", Bytes(road.distance), SAME_BYTES);
     Compare("lettering-offset", Bytes(road.offset), SAME_BYTES);
     LightsOn();
     ComparePhong("lettering-phong", road, 0);
     CompareMetallic("lettering-metallic", road);
-    CompareRender("lettering-render", road, 220);
+    CompareRender("lettering-render", road, 200);
     Free(&road);
 }
 
