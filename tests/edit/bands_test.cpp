@@ -183,6 +183,29 @@ TEST(PenBands, TheScrollIsTakenAwayAndReductionsLeaveTheHalfPixelOut)
     EXPECT_EQ(doc.Moves(90, 60), (CALLS{"move 29 39"}));
 }
 
+TEST(PenBands, TheCurveToComeBeginsWithTheHandleThatWasPulled)
+{
+    BANDDOC doc;
+    doc.pen.Drag(30, 40, 50, 10);
+    doc.record.Take();
+    doc.pen.Move(90, 60);
+    EXPECT_EQ(doc.record.Take("bezier"), CALLS{"bezier 50 10 90 60 90 60"});
+    /* Pulling a handle there: first the curve that stands goes, then the one with the mirror image comes. */
+    doc.pen.Down(90, 60);
+    doc.pen.Move(110, 80);
+    EXPECT_EQ(doc.record.Take("bezier"), (CALLS{"bezier 50 10 90 60 90 60", "bezier 50 10 70 40 90 60"}));
+}
+
+TEST(PenBands, BehindACornerTheCurveBeginsWithoutAHandle)
+{
+    BANDDOC doc;
+    doc.pen.Click(30, 40);
+    doc.pen.Down(90, 60);
+    doc.record.Take();
+    doc.pen.Move(110, 80);
+    EXPECT_EQ(doc.record.Take("bezier").back(), "bezier 30 40 70 40 90 60");
+}
+
 TEST(PenBands, AWholeDrawingLeavesTheContextAsItWas)
 {
     CANVAS canvas(200, 200);
