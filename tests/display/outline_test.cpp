@@ -312,6 +312,29 @@ TEST(Outline, EqualsThePlainFormOnRandomRecordsAndViews)
     }
 }
 
+TEST(Outline, CurvesAlongAnAxisEqualThePlainForm)
+{
+    /* One component of the step never changes; where such a curve turns back, it counts which places are sampled. */
+    for (unsigned seed = 0; seed < 2000; seed++) {
+        RANDOM random(seed);
+        const double fixed = Pick(random, 0, 600) / 16.0;
+        double along[4];
+        for (double &place : along) place = Pick(random, -100, 800) / 16.0;
+        const bool upright = seed % 2 == 0;
+        std::vector<TESTNODE> nodes;
+        for (const double place : along)
+            nodes.push_back(
+                {nodes.empty() ? uint16_t{6} : uint16_t{4}, upright ? fixed : place, upright ? place : fixed});
+        TESTVIEW v(50, 50);
+        PATHREC *path = MakePath(nodes);
+        Step(v, path, OUTLINE_DRAW);
+        PLAINPLANE plain = PlainPlane(*v.view);
+        PlainOutline(path, *v.view, OUTLINE_DRAW, &plain);
+        ASSERT_EQ(v.Plane(), plain.bytes) << "seed " << seed;
+        Free(path);
+    }
+}
+
 TEST(Outline, ChainHasNoGaps)
 {
     for (unsigned seed = 0; seed < 600; seed++) {
