@@ -475,6 +475,32 @@ TEST(Shader, NoLightGivesTheAmbientTermAndMoreThanFourCountAsFour)
     EXPECT_EQ(0, memcmp(four.image, nine.image, 3));
 }
 
+TEST(Shader, SpotsNeedBothTheirArrays)
+{
+    KnownState();
+    const double light[3] = {0, 0, 1};
+    const int32_t on[1] = {1};
+    const int32_t off[1] = {0};
+    const int32_t place[2] = {0, 0};
+    const struct {
+        const int32_t *on;
+        const int32_t *place;
+    } cases[] = {{nullptr, place}, {on, nullptr}, {nullptr, nullptr}};
+    SCENE plain(4, 4), spot(4, 4);
+    const auto shade = [&](SCENE *s, const int32_t *spotOn, const int32_t *spotPos) {
+        ZrPathShadeMultiPhong(s->image, 8, 0, 0, 0, 0, s->distance, s->normals, 0, s->mask, nullptr, 1, spotOn, spotPos,
+                              light, 0, 0, 0, nullptr);
+    };
+    shade(&plain, off, place);
+    shade(&spot, on, place);
+    EXPECT_NE(0, memcmp(plain.image, spot.image, 48));
+    for (const auto &c : cases) {
+        SCENE s(4, 4);
+        shade(&s, c.on, c.place);
+        EXPECT_EQ(0, memcmp(plain.image, s.image, 48));
+    }
+}
+
 TEST(Shader, ASpotOfSeveralLightsHangsOnASphere)
 {
     KnownState();

@@ -1,10 +1,12 @@
 /* view_test.cpp - the view record, its tie to the display buffer, and window to image coordinates. */
 #include "frame/faults.h"
 #include "store/store.h"
+#include "support/shapes.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <zr32path/display.h>
 
 using namespace zr32;
 
@@ -66,6 +68,17 @@ TEST(ViewStart, MakingTheFirstViewStartsTheLibrary)
     EXPECT_EXIT(std::exit(startedByView() ? 0 : 1), testing::ExitedWithCode(0), "");
 }
 #endif
+
+TEST_F(View, AViewWithoutWidthOrHeightHasABufferOfNothing)
+{
+    PATHREC *box = zr32test::MakeBox(0, 0, 20, 20);
+    for (const RECT &r : {RECT{0, 0, 30, 0}, RECT{0, 0, 0, 30}, RECT{9, 9, 5, 30}}) {
+        EXPECT_EQ(1, ZrPathNewCoordStruct(r.left, r.top, r.right, r.bottom, 0, 0, 1, 0, table, &view));
+        EXPECT_EQ(table->lpDB, view->displayBuffer);
+        EXPECT_EQ(1, ZrPathDraw(view, box, nullptr));
+    }
+    ZrPathDeletePtr(box, 0);
+}
 
 TEST_F(View, WithATableMakesTheBufferOnce)
 {

@@ -679,6 +679,38 @@ TEST(Exact, FirstCornerOfACallMayBeTheLastOfTheCallBefore)
     ZrPathDeletePtr(path, 0);
 }
 
+TEST(Exact, APairWithoutASegmentOrADirectionStays)
+{
+    PATHNODE nodes[2] = {{PATHNODE_LINE, 0, 0}, {PATHNODE_LINE, 0, 0}};
+    EXACTSEGMENT level = {}, upright = {}, point = {};
+    level.node = point.node = &nodes[0];
+    upright.node = &nodes[1];
+    level.p[0] = {0, 10};
+    level.p[1] = upright.p[0] = {10, 10};
+    upright.p[1] = {10, 20};
+    point.p[0] = point.p[1] = {10, 10};
+    const struct {
+        const EXACTSEGMENT *first;
+        const EXACTSEGMENT *second;
+        bool stays;
+    } cases[] = {{&level, &upright, false},
+                 {nullptr, &upright, true},
+                 {&level, nullptr, true},
+                 {&point, &upright, true},
+                 {&level, &point, true}};
+    for (const auto &c : cases) {
+        NEARENTRY e1 = {}, e2 = {};
+        e1.segment = c.first;
+        e2.segment = c.second;
+        e1.dist2 = e2.dist2 = 13;
+        REACH reach = {5, 5, 100};
+        VMapMitrePair({13, 8}, &e1, &e2, &reach);
+        /* to the lines: 2 above the level one, 3 beside the upright one; the greater first */
+        EXPECT_EQ(c.stays ? 13 : 9, e1.dist2);
+        EXPECT_EQ(c.stays ? 13 : 4, e2.dist2);
+    }
+}
+
 TEST(Exact, SharpCornerWidensTheReach)
 {
     /* A notch of about 23 degrees whose tip lies in row 45. From the first pixel that sees it, all look as far as its

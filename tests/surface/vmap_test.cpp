@@ -362,6 +362,26 @@ TEST(VMap, ProgressBeginsWithCode1AndEndsWithCode4)
     Free(&made);
 }
 
+TEST(VMap, AProgressRecordWithoutACallbackIsLikeNone)
+{
+    for (const int32_t useMask : {1, 0}) {
+        COUNTER counter;
+        VMAPPROGRESS progress = ProgressOf(&counter);
+        progress.callback = nullptr;
+        BOXMAP with = MakeBoxMap(0), without = MakeBoxMap(0);
+        for (BOXMAP *made : {&with, &without}) {
+            made->call.useMask = useMask;
+            made->call.progress = made == &with ? &progress : nullptr;
+            Call(&made->call);
+            EXPECT_EQ(1, made->call.result);
+        }
+        const zr32::BUFINFO info = zr32::BufInfo(without.call.dist);
+        EXPECT_EQ(0, memcmp(without.call.dist, with.call.dist, info.stride * static_cast<size_t>(info.height)));
+        Free(&with);
+        Free(&without);
+    }
+}
+
 /* Record share x node share x range, cut, from the range's start: five nodes, one record. */
 TEST(VMap, PercentagesOfOneSideRunTo20ThenTo100)
 {
