@@ -23,6 +23,8 @@ HANDLE surfaceHeap;
 
 constexpr SIZE_T heapInitialSize = 0x80000;
 
+static_assert(heapNoSerialize == HEAP_NO_SERIALIZE && heapZero == HEAP_ZERO_MEMORY, "the platform's flags");
+
 #if defined(ZR32_TEST_FAULTS)
 int64_t faultCountdown[ALLOC_COUNT];
 int faultStruck;
@@ -193,7 +195,7 @@ void *GlobalBlockAlloc(size_t size)
 void *GlobalBlockReAlloc(void *block, size_t size)
 {
     if (FaultHits(ALLOC_GLOBAL)) return nullptr;
-    return GlobalReAlloc(block, size, GMEM_ZEROINIT | 2 /* a fixed block may move */);
+    return GlobalReAlloc(block, size, GMEM_ZEROINIT | GMEM_MOVEABLE);
 }
 
 void GlobalBlockFree(void *block)

@@ -12,6 +12,7 @@
 #define HEAP_GENERATE_EXCEPTIONS 0x4u
 #define HEAP_ZERO_MEMORY 0x8u
 #define HEAP_REALLOC_IN_PLACE_ONLY 0x10u
+#define GMEM_MOVEABLE 0x2u
 #define GMEM_ZEROINIT 0x40u
 #define GPTR 0x40u
 
@@ -36,7 +37,8 @@ ZR32PORTAPI BOOL HeapFree(HANDLE heap, DWORD flags, void *block);
 /* The size that was asked for; (SIZE_T)-1 for null. */
 ZR32PORTAPI SIZE_T HeapSize(HANDLE heap, DWORD flags, const void *block);
 
-/* Fixed blocks: the handle is the address. GlobalReAlloc gives null, and leaves the block, without memory. */
+/* Fixed blocks: the handle is the address. GlobalReAlloc may move the block, with GMEM_MOVEABLE elsewhere than here; it
+ * gives null, and leaves the block, without memory. */
 ZR32PORTAPI HGLOBAL GlobalAlloc(UINT flags, SIZE_T size);
 ZR32PORTAPI HGLOBAL GlobalReAlloc(HGLOBAL block, SIZE_T size, UINT flags);
 ZR32PORTAPI HGLOBAL GlobalFree(HGLOBAL block);

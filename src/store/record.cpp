@@ -146,14 +146,12 @@ ZRPATHAPI PATHREC *ZrPathR2VToZrPath(uint32_t count, const R2VPOINT *points)
     path->flags = PATHREC_SELECTED;
     for (uint32_t i = 0; i < count; i++)
         path->nodes[i] = {static_cast<uint16_t>(points[i].type), DoubleToFix(points[i].x), DoubleToFix(points[i].y)};
-    if (nodeCount > 1) {
-        PATHNODE *end = &path->nodes[nodeCount - 1];
-        if (closes) {
-            *end = {PATHNODE_LINE | PATHNODE_CLOSING, DoubleToFix(first.x), DoubleToFix(first.y)};
-        } else {
-            const int closable = last.type == PATHNODE_CURVE || last.type == PATHNODE_LINE;
-            end->type = closable ? static_cast<uint16_t>(last.type | PATHNODE_CLOSING) : uint16_t{0};
-        }
+    PATHNODE *end = &path->nodes[nodeCount - 1];
+    if (closes) {
+        *end = {PATHNODE_LINE | PATHNODE_CLOSING, DoubleToFix(first.x), DoubleToFix(first.y)};
+    } else {
+        const int closable = last.type == PATHNODE_CURVE || last.type == PATHNODE_LINE;
+        end->type = closable ? static_cast<uint16_t>(last.type | PATHNODE_CLOSING) : uint16_t{0};
     }
     path->nodes[0].type = PATHNODE_START;
     return path;

@@ -27,6 +27,8 @@ TEST(Fixed, TruncationIsDefinedForEveryDouble)
         {"one past the largest wraps", 2147483648.0, INT32_MIN},
         {"smallest", -2147483648.9, INT32_MIN},
         {"one past the smallest wraps", -2147483649.0, INT32_MAX},
+        {"low 32 bits of 2^31 + 5", 2147483653.0, INT32_MIN + 5},
+        {"low 32 bits of -(2^31 + 5)", -2147483653.0, INT32_MAX - 4},
         {"low 32 bits of 2^32 + 5", 4294967301.0, 5},
         {"low 32 bits of -(2^32 + 5)", -4294967301.0, -5},
         {"low bits of 2^62", 4611686018427387904.0, 0},

@@ -183,6 +183,47 @@ TEST(PortDraw, RectangleFormsByPenAndBrush)
     }
 }
 
+TEST(PortDraw, BorderIsThePensAndTheInsideTheBrushs)
+{
+    PICTURE p = PictureMake(8, 7);
+    SelectObject(p.dc, GetStockObject(WHITE_PEN));
+    SelectObject(p.dc, GetStockObject(GRAY_BRUSH));
+    Rectangle(p.dc, 1, 2, 6, 6);
+    for (int y = 0; y < p.height; y++)
+        for (int x = 0; x < p.width; x++) {
+            const bool covered = x >= 1 && x < 6 && y >= 2 && y < 6;
+            const bool inside = x >= 2 && x < 5 && y >= 3 && y < 5;
+            EXPECT_EQ(Pixel(p, x, y), inside ? RGB(128, 128, 128) : covered ? white : 0) << x << ' ' << y;
+        }
+    PictureFree(&p);
+}
+
+TEST(PortDraw, StockBrushesAndPensHaveTheirColors)
+{
+    const struct {
+        int object;
+        BYTE level;
+    } brushes[] = {{WHITE_BRUSH, 255}, {LTGRAY_BRUSH, 192}, {GRAY_BRUSH, 128},
+                   {DKGRAY_BRUSH, 64}, {BLACK_BRUSH, 0},    {NULL_BRUSH, 17}},
+      pens[] = {{WHITE_PEN, 255}, {BLACK_PEN, 0}, {NULL_PEN, 17}};
+    PICTURE p = PictureMake(4, 4);
+    SelectObject(p.dc, GetStockObject(NULL_PEN));
+    for (const auto &c : brushes) {
+        memset(p.bits, 17, p.pitch * 4);
+        SelectObject(p.dc, GetStockObject(c.object));
+        Rectangle(p.dc, 0, 0, 4, 4);
+        EXPECT_EQ(Pixel(p, 1, 1), RGB(c.level, c.level, c.level)) << c.object;
+    }
+    for (const auto &c : pens) {
+        memset(p.bits, 17, p.pitch * 4);
+        SelectObject(p.dc, GetStockObject(c.object));
+        MoveToEx(p.dc, 0, 1, nullptr);
+        LineTo(p.dc, 4, 1);
+        EXPECT_EQ(Pixel(p, 1, 1), RGB(c.level, c.level, c.level)) << c.object;
+    }
+    PictureFree(&p);
+}
+
 TEST(PortDraw, DotsAreThreeLongWithWhiteOrNothingBetween)
 {
     PICTURE p = PictureMake(9, 2);

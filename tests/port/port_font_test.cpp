@@ -171,7 +171,30 @@ TEST_F(PortFont, MatrixIsAppliedAfterTheScale)
     ExpectPoint(Outline(dc.dc, 'A', twice, &metrics), 28, 100, 210);
     EXPECT_EQ(metrics.gmBlackBoxX, 80u);
     EXPECT_EQ(metrics.gmCellIncX, 60);
+    const MAT2 mirrored = {one, 0, 0, -one};
+    ExpectPoint(Outline(dc.dc, 'A', mirrored, &metrics), 28, 50, -70);
+    EXPECT_EQ(metrics.gmBlackBoxX, 40u);
+    EXPECT_EQ(metrics.gmBlackBoxY, 70u) << "also where it hangs below the base line";
+    EXPECT_EQ(metrics.gmptGlyphOrigin.y, 0);
     TextDcFree(&dc);
+}
+
+TEST_F(PortFont, FontThatTellsNoAverageWidthHasHalfTheEm)
+{
+    /* OS/2 is the first table: its offset stands in bytes 20 to 23, the average width behind its version. */
+    std::vector<uint8_t> bytes = TinyFont("Zr Bare");
+    const size_t os2 = size_t{bytes[22]} << 8 | bytes[23];
+    ASSERT_EQ(500, bytes[os2 + 2] << 8 | bytes[os2 + 3]);
+    bytes[os2 + 2] = bytes[os2 + 3] = 0;
+    const std::string file = WriteTestFile("zrbare.ttf", bytes);
+    ASSERT_EQ(AddFontResourceExA(file.c_str(), FR_PRIVATE, nullptr), 1);
+    TEXTDC dc = TextDcMake("Zr Bare", 100);
+    EXPECT_EQ(Face(dc.dc), "Zr Bare");
+    TEXTMETRICA metrics = {};
+    ASSERT_TRUE(GetTextMetricsA(dc.dc, &metrics));
+    EXPECT_EQ(metrics.tmAveCharWidth, 50);
+    TextDcFree(&dc);
+    remove(file.c_str());
 }
 
 TEST_F(PortFont, FontWithoutItalicLeansAndSaysSo)
@@ -199,6 +222,7 @@ TEST_F(PortFont, CharactersGoThroughTheCodePage)
     } cases[] = {
         {"plain", 1252, ANSI_CHARSET, 'A', true},
         {"euro of 1252", 1252, ANSI_CHARSET, 0x80, true},
+        {"the last byte of 1252", 1252, ANSI_CHARSET, 0xFF, true},
         {"a hole of 1252", 1252, ANSI_CHARSET, 0x81, false},
         {"hiragana in the current page", 932, ANSI_CHARSET, 0x82A0, true},
         {"hiragana in the font's set", 1252, SHIFTJIS_CHARSET, 0x82A0, true},

@@ -170,6 +170,18 @@ TEST(PortOutline, CubicThatIsAQuadraticIsOnePiece)
     EXPECT_EQ(Text(bytes), "M 0,0 L 3,3 Q 3,0 0,0");
 }
 
+TEST(PortOutline, CubicsEndWithTheirContourWhateverFollows)
+{
+    const POINTKIND on = POINT_ON, off = POINT_CONIC, cubic = POINT_CUBIC;
+    BYTES bytes;
+    EXPECT_EQ(Convert({{0, 0, on}, {3, 3, on}, {3, 1, cubic}, {2, 0, cubic}, {9, 9, off}, {8, 8, on}, {7, 9, on}},
+                      {3, 6}, &bytes),
+              1);
+    EXPECT_EQ(Text(bytes), "M 0,0 L 3,3 Q 3,0 0,0 M 7,9 Q 9,9 8,8");
+    EXPECT_EQ(Convert({{0, 0, on}, {3, 3, cubic}, {1, 1, cubic}, {2, 0, cubic}, {9, 9, on}}, {1, 4}, &bytes), 0)
+        << "a control point alone, though another contour's stands behind it";
+}
+
 TEST(PortOutline, OrdersThatNoOutlineHasAreRefused)
 {
     const POINTKIND on = POINT_ON, off = POINT_CONIC, cubic = POINT_CUBIC;

@@ -162,6 +162,18 @@ TEST(EdgeTable, FullRowsAreLaidOutAgainWithMoreRoom)
     RecordFree(path);
 }
 
+TEST(EdgeTable, MoreRoomThanAnyTableHasIsRefused)
+{
+    PATHREC *path = MakeBox(2, 3, 8, 6);
+    EDGETABLE *table = EdgeTableAlloc(EDGES_PLAIN, 1, PlaceOnMask(1.0, 0, 0), 1);
+    table->spare = 0x20000000;
+    EXPECT_EQ(0, EdgeTableLayOut(path, 0, 10, UINT32_MAX, table));
+    table->spare = 1;
+    EXPECT_EQ(1, EdgeTableLayOut(path, 0, 10, UINT32_MAX, table));
+    EdgeTableFree(table);
+    RecordFree(path);
+}
+
 TEST(EdgeTable, PartsAreWholeBandsAndAtLeastOne)
 {
     PATHREC *path = MakeBox(2, 3, 8, 600);

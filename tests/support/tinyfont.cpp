@@ -104,7 +104,7 @@ std::vector<uint8_t> TinyFont(const std::string &family, const TINYFORM &form)
     Words({300, 0, 400, 0, 600, 100, 1200, 100, 1000, 0}, &hmtx);
 
     /* (character, glyph), rising */
-    const std::vector<std::pair<int, int>> unicode = {{' ', 1},    {'A', 2},    {'O', 4},    {'Q', 3},
+    const std::vector<std::pair<int, int>> unicode = {{' ', 1},    {'A', 2},    {'O', 4},    {'Q', 3},   {0xFF, 2},
                                                       {0x20AC, 2}, {0x3042, 2}, {0x4E00, 2}, {0xAC00, 2}};
     const std::vector<std::pair<int, int>> symbols = {{' ', 1}, {'Q', 3}, {0xF041, 2}};
     const std::vector<std::pair<int, int>> &map = form.symbol ? symbols : unicode;

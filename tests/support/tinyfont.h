@@ -5,8 +5,8 @@
  *   'Q'  1200; eight points, control and on-curve in turn, around the box (100, 0) to (1100, 1000)
  *   'O'  1000; four control points only: the corners of the box (0, 0) to (1000, 1000)
  *   ' '  400; blank
- *   the euro sign, hiragana a, the ideograph one and the hangul ga are 'A'; anything else is the square of glyph 0, (0,
- * 0) to (300, 300)
+ *   the y with two dots, the euro sign, hiragana a, the ideograph one and the hangul ga are 'A'; anything else is the
+ *   square of glyph 0, (0, 0) to (300, 300)
  */
 #ifndef ZR32_TESTS_TINYFONT_H
 #define ZR32_TESTS_TINYFONT_H
