@@ -172,6 +172,18 @@ TEST(PenBands, EscErasesAndTheNextMoveDrawsAgain)
     EXPECT_EQ(NodesOf(doc.Selected()).size(), 1u) << "Esc cancels nothing";
 }
 
+TEST(PenBands, OnlyTheEscKeyErases)
+{
+    BANDDOC doc;
+    doc.pen.Click(30, 40);
+    doc.pen.Move(60, 50);
+    doc.record.Take();
+    for (const uint32_t message : {256u, 257u}) doc.pen.Send(message, 60, 50, 28);
+    EXPECT_EQ(doc.record.Take(), CALLS{});
+    doc.pen.Send(512, 70, 50, 27);
+    EXPECT_EQ(doc.record.Take("line"), (CALLS{"line 60 50", "line 70 50"})) << "a move draws, whatever its word is";
+}
+
 TEST(PenBands, TheScrollIsTakenAwayAndReductionsLeaveTheHalfPixelOut)
 {
     BANDDOC doc;

@@ -125,6 +125,17 @@ TEST(PenTool, ACornerFillsThePendingCurveIn)
     EXPECT_EQ(doc.Drawn().size(), 5u);
 }
 
+TEST(PenTool, ACurveOfARecordOfThreeNodesIsNotPending)
+{
+    /* Its end has the coordinates that flags and primitive would give if they were read as a node. */
+    PENDOC doc;
+    doc.Select({doc.Add(MakePath({{4, 1, 1}, {4, 2, 2}, {4, -32768, 0}}))});
+    ASSERT_EQ(doc.Selected()->flags, PATHREC_SELECTED);
+    SetCapture(doc.pen.window);
+    doc.pen.Click(60, 80);
+    EXPECT_EQ(NodesOf(doc.Selected()), (NODES{{4, 1, 1}, {4, 2, 2}, {4, -32768, 0}, {2, 59.5, 79.5}}));
+}
+
 TEST(PenTool, ASmoothAnchorAfterALineGivesSixNodesMore)
 {
     PENDOC doc;

@@ -136,6 +136,14 @@ TEST(Pick, StartWithTheSelectedBitIsAPlainStart)
     EXPECT_EQ(s.Click(40, 20, ZRPICK_ADD).result, 1);
 }
 
+TEST(Pick, ACurveIsHitAsFarAwayAsTheToleranceItself)
+{
+    /* At zoom 2 the tolerance is 1.5, and view row 4 is image row 1.5. */
+    SCENE s({MakePath({{6, 0, 0}, {4, 10, 0}, {4, 20, 0}, {4, 30, 0}})}, 2);
+    EXPECT_EQ(s.Click(31, 5, ZRPICK_ADD).result, 3);
+    EXPECT_EQ(s.Click(31, 4, ZRPICK_ADD).result, 1);
+}
+
 TEST(Pick, CurveIsTestedInItsControlBoxOnly)
 {
     SCENE s({MakePath({{6, 20, 80}, {4, 20, 20}, {4, 80, 20}, {4, 80, 80}})});

@@ -228,6 +228,15 @@ TEST_F(UndoSelection, PathsBeyondTheNodeBitAreNotRecorded)
     EXPECT_EQ(Words(), (WORDLIST{0, 0x7FFF}));
 }
 
+TEST_F(UndoSelection, WhatStandsBehindTheLastNodeIsNotRecorded)
+{
+    EditNodes(a, {1, 3});
+    a->nodeCount = 3;
+    Backup(UR_SELECTION);
+    EXPECT_EQ(Words(), (WORDLIST{0, 0x8001}));
+    a->nodeCount = 5;
+}
+
 TEST_F(UndoSelection, NodesBeyondTheNodeBitAreNotRecorded)
 {
     std::vector<TESTNODE> nodes(0x8001, {2, 1, 1});
