@@ -38,11 +38,15 @@ struct SEGMENTWALK {
     CORNERS corners;
 };
 
-/* The mask cannot be clear within two pixels of a bend. */
+/* The mask cannot be clear close to where the outline bends away: two pixels outward lie in the other arm, the farther
+ * from the joint the narrower the notch between the two is. */
 int NearBend(const JOINT *joint, const POINTDB &at, int side)
 {
     constexpr double near = 4;
-    return JointBendsAway(joint, side) && Length(at - joint->at) < near;
+    constexpr double farthest = 40;
+    if (!JointBendsAway(joint, side)) return 0;
+    const double notch = Dot(joint->before, joint->after) < 0 ? Cross(joint->before, joint->after) : 1;
+    return Length(at - joint->at) < std::min(near / std::fabs(notch), farthest);
 }
 
 /* Nothing of a section lies near the plane. */
