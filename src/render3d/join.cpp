@@ -164,6 +164,7 @@ void FillBetween(RENDER *render, const SAMPLE *a, const SAMPLE *b)
     /* Two samples so far apart are no neighbours on the surface, only on a projection gone wild. */
     if (apart > width + height) return;
     const double count = std::trunc(apart / closeEnough) + 1;
+    render->budget -= static_cast<int64_t>(count);
     SAMPLE from = *a;
     SAMPLE to = *b;
     for (double i = 1; i < count; i++) {

@@ -136,11 +136,27 @@ ABUFFRAG MakeFragment(double z, uint32_t colour, uint32_t coverage, uint32_t kin
     return {static_cast<double>(static_cast<float>(z)), colour, coverage, kind, edge, 0};
 }
 
+/* 1 when a list knows the surface of a fresh fragment already and has a whole opaque one before it. What is never seen
+ * need not make the list longer at every sample. */
+int ListHides(const ABUF *abuf, const ABUFPIXEL *pixel, const ABUFFRAG &fresh)
+{
+    bool hidden = false;
+    bool known = false;
+    for (uint32_t n = pixel->value; n; n = FragAt(&abuf->pool, n)->next) {
+        const ABUFFRAG *fragment = FragAt(&abuf->pool, n);
+        hidden = hidden || (fragment->coverage == coverFull && IsOpaque(fragment->colour) && fragment->z >= fresh.z);
+        known = known || fragment->edge == fresh.edge;
+    }
+    return hidden && known;
+}
+
 void PutOpaque(ABUF *abuf, ABUFPIXEL *pixel, double z, uint32_t colour, int32_t edge)
 {
     if (PixelIsList(pixel)) {
+        const ABUFFRAG fresh = MakeFragment(z, colour, coverFull, FRAG_WHOLE, edge);
+        if (ListHides(abuf, pixel, fresh)) return;
         ListDropFarther(abuf, pixel, z);
-        ListAppend(abuf, pixel, MakeFragment(z, colour, coverFull, FRAG_WHOLE, edge));
+        ListAppend(abuf, pixel, fresh);
     } else if (PixelIsEmpty(pixel) || pixel->zTag < ZTag(z)) {
         PutPlain(pixel, colour, z, edge);
     }

@@ -280,6 +280,8 @@ int RenderBand(RENDER *render, const PATHREC **cursor, int32_t top, int32_t bott
     render->abuf.plane = ZrPathBufAlloc(planeBits, colour.width, bottom - top);
     if (!render->abuf.plane) return 0;
     render->abuf.info = BufInfo(render->abuf.plane);
+    const int64_t pixels = static_cast<int64_t>(render->abuf.info.width) * render->abuf.info.height;
+    render->budget = samplesOfPixel * std::max(pixels, leastPixels);
     for (; *cursor && (*cursor)->nextPath; *cursor = (*cursor)->nextPath) RenderRecord(render, *cursor);
     ABufResolve(&render->abuf, bottom, top, colour.width, colourBuf, alphaBuf);
     FragPoolFree(&render->abuf.pool);

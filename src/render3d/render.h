@@ -40,6 +40,11 @@ struct STRIP {
     uint32_t room;
 };
 
+/* How many samples a band may take for each of its pixels, many times what a solid needs that fills it; and for how
+ * many pixels a small band counts. It is there for transforms gone wild, which fold everything into the band. */
+constexpr int64_t samplesOfPixel = 256;
+constexpr int64_t leastPixels = 16384;
+
 /* The most samples of a strip. */
 constexpr uint32_t maxStripPoints = 65536;
 
@@ -119,6 +124,7 @@ struct RENDER {
     double width;
     double lowest; /* heights of the profile */
     double highest;
+    int64_t budget;  /* samples that are left; what is still to be drawn then falls away */
     STRIP seam[2];   /* where two segments meet, and one beside it */
     STRIP strips[2]; /* the last and the one before */
     int current;     /* which of them is the last */

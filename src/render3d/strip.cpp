@@ -60,6 +60,7 @@ int SampleAt(RENDER *render, const RUN *run, double i, double part, SAMPLE *samp
     const POINTDB offset = run->inward * (run->stride * i);
     const POINTDB at = run->at + offset;
     POINT3D p = {at.x, at.y, HeightAt(run, i, part)};
+    render->budget--;
     *sample = {};
     sample->material = &render->material;
     sample->at = nowhere;
@@ -253,7 +254,7 @@ void StripBuild(RENDER *render, const SECTION *section, STRIP *strip)
     const double longestPart = std::max(1.0, run.steps / unseenSteps);
     int seen = SampleAt(render, &run, 0, 1, &strip->rim);
     double part = 1;
-    for (double i = 0; i < run.steps && StripReserve(strip);) {
+    for (double i = 0; i < run.steps && render->budget > 0 && StripReserve(strip);) {
         STRIPPOINT *point = &strip->points[strip->count];
         const SAMPLE *last = strip->count > 0 ? &point[-1].sample : &strip->rim;
         double next;

@@ -136,8 +136,31 @@ TEST_F(Put, OpaqueOnAListFreesWhatIsFartherBehindTheHead)
     EXPECT_EQ(4, list[2].edge);
     EXPECT_EQ(5, list[3].edge);
     EXPECT_EQ(4u, abuf.pool.live);
-    Solid(&abuf, 5, opaque, 2); /* opaque samples of one edge are not told apart */
-    EXPECT_EQ(5u, ListOf(&abuf, 0, 0).size());
+    Solid(&abuf, 5, opaque, 3.5); /* nearer: what was there behind the head goes, of the same edge too */
+    ASSERT_EQ(3u, ListOf(&abuf, 0, 0).size());
+    EXPECT_EQ(3.5, ListOf(&abuf, 0, 0)[2].z);
+}
+
+TEST_F(Put, OpaqueBehindAnOpaqueFragmentOfAListIsHidden)
+{
+    Solid(&abuf, 1, glassy, 1);
+    Solid(&abuf, 2, glassy, 2);
+    Solid(&abuf, 3, opaque, 5);
+    const size_t length = ListOf(&abuf, 0, 0).size();
+    Solid(&abuf, 4, opaque, 5); /* the first of its surface is kept even so */
+    EXPECT_EQ(length + 1, ListOf(&abuf, 0, 0).size());
+    Solid(&abuf, 4, opaque, 5);
+    Solid(&abuf, 4, opaque, 4.9);
+    EXPECT_EQ(length + 1, ListOf(&abuf, 0, 0).size());
+    Solid(&abuf, 4, opaque, 5.1);
+    EXPECT_EQ(5.1f, ListOf(&abuf, 0, 0).back().z);
+    /* a partial one hides nothing */
+    *PlanePixel(&abuf, 0, 0) = {};
+    Solid(&abuf, 1, glassy, 1);
+    Edge(&abuf, 3, opaque, 5, rightHalf);
+    Solid(&abuf, 4, opaque, 4);
+    Solid(&abuf, 4, opaque, 4.5);
+    EXPECT_EQ(4.5, ListOf(&abuf, 0, 0).back().z);
 }
 
 TEST_F(Put, TranslucentOnEmptyIsPlain)

@@ -24,11 +24,13 @@ struct Strips : testing::Test {
         render.space = {{0, 0}, {0, 0}, {0, 0, 1e12}, {{1, 0, 0, 0, 1, 0, 0, 0, 1}}};
         render.abuf = MakePlane(60, 40);
         render.width = 10;
+        render.budget = 1000000;
         render.highest = 10;
     }
     ~Strips() override
     {
         PlaneFree(&render.abuf);
+        GlassAlphaFree(&render.material);
         StripsFree(&render);
         if (strip.points) BufFree(strip.points);
     }
@@ -65,6 +67,8 @@ TEST_F(Strips, SeenEdgeOnTheRaisedSurfaceCounts)
     TurnAboutY(90);
     Build({0, 20}, {8.2, 0}); /* no length in the picture plane, 4.1 + 4.1 pixels of height */
     EXPECT_EQ(8, strip.run.steps);
+    Build({0, 20}, {2.5, 0});
+    EXPECT_EQ(2, strip.run.steps);
     Build({0, 20}, {1.9, 0}); /* but what is too short from above stays too short, however high */
     for (int i = 0; i < 4096; i++) PROFILETBL[i].height *= 10;
     Build({0, 20}, {1.9, 0});
@@ -91,6 +95,55 @@ TEST_F(Strips, SamplesRiseWithTheProfileAndLeanOutwards)
     /* the rim has the light of the first sample */
     EXPECT_EQ(strip.points[0].sample.facing, strip.rim.facing);
     EXPECT_EQ(strip.points[0].sample.normal.x, strip.rim.normal.x);
+}
+
+TEST_F(Strips, ASpentBudgetEndsTheSampling)
+{
+    render.budget = 6; /* the rim takes the first */
+    Build({20, 20}, {8, 0});
+    EXPECT_LE(strip.count, 5u);
+    EXPECT_GT(strip.count, 0u);
+    Build({20, 20}, {8, 0});
+    EXPECT_EQ(0u, strip.count);
+}
+
+TEST_F(Strips, NoMoreSamplesThanAStripHolds)
+{
+    for (int i = 0; i < 4096; i++) PROFILETBL[i].height = i % 2 * 1e6; /* no step is short enough */
+    TurnAboutY(60);
+    Build({0, 20}, {9, 0});
+    EXPECT_EQ(maxStripPoints, strip.count);
+}
+
+TEST_F(Strips, NearATurnTheSampleGoesBackToItWithinItsPixel)
+{
+    /* facing is about (4.6 - i) / i, so that at i = 5 it is -0.08, between the limits, and at 4.85 -0.05 */
+    for (int i = 0; i < 4096; i++) PROFILETBL[i] = {4.6 - i * (10.0 / 4096), 0};
+    const auto silhouettesAt = [&](int column) {
+        int count = 0;
+        for (uint32_t k = 0; k < render.kept.count; k++)
+            count += render.kept.edges[k].isSilhouette && PixelIndex(render.kept.edges[k].from.at.x) == column;
+        return count;
+    };
+    render.abuf.edgeId = 1;
+    render.material.glass = 1;
+    const double aside[3] = {0, -1, 0}; /* no highlight: nothing is opaque */
+    render.material.light = aside;
+    Build({20.2, 20}, {8, 0});
+    ASSERT_EQ(5, strip.points[9].i);
+    StripDraw(&render, &strip);
+    EXPECT_EQ(1, silhouettesAt(25));
+    EXPECT_NEAR(25.05, strip.points[9].sample.at.x, 1e-9); /* the point of the turn takes the sample's place */
+    EdgesDraw(&render);
+    EXPECT_EQ(1u, ListOf(&render.abuf, 25, 20).size());
+
+    /* the turn lies in the pixel before: the sample fills its own */
+    Build({20, 10}, {8, 0});
+    StripDraw(&render, &strip);
+    EXPECT_EQ(0, silhouettesAt(25));
+    EXPECT_EQ(1, silhouettesAt(24));
+    EXPECT_NE(0u, PlanePixel(&render.abuf, 25, 10)->value);
+    EXPECT_EQ(25, strip.points[9].sample.at.x);
 }
 
 TEST_F(Strips, SteepProfilesHaveNoPinholes)
