@@ -57,7 +57,8 @@ TEST(Normal, AnOffsetShorterThanAMillionthIsUp)
     EXPECT_TRUE(plain.x == 0 && plain.y == 0 && plain.z == 1);
     const NORMAL reflected = Table(0, 5e-7, 0, 8, 0, 0, 1);
     EXPECT_TRUE(reflected.x == 0 && reflected.y == 0 && reflected.z == 1);
-    EXPECT_NE(1, Table(0, 2e-6, 0).z);
+    for (const NORMAL &n : {Table(0, 1e-6, 0), Table(0, 0, 1e-6)}) EXPECT_EQ(0, n.z) << "the rim stands upright";
+    EXPECT_NE(1, Table(0, 1e-6, 0, 8, 0, 0, 1).z) << "reflected it is all but 8 long";
 }
 
 TEST(Normal, AChamferHasItsLengthForAHeight)
@@ -113,7 +114,7 @@ TEST(Normal, TheCreaseOfTwoArcsIsASeam)
         EXPECT_NEAR(0.25, RIMBLEND.weight, 1e-12) << profile; /* 1 - (4.25 - 3.5) */
         Table(profile, 3.5, 0);
         EXPECT_EQ(0.0, RIMBLEND.weight); /* strict */
-        Table(profile, 4.5, 0);
+        ExpectNormal(Exact(profile, 4.5, 0), Table(profile, 4.5, 0), 1e-3, "behind the crease the second arc alone");
         EXPECT_EQ(0.0, RIMBLEND.weight);
     }
 }

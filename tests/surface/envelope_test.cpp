@@ -138,14 +138,18 @@ TEST(EnvelopeMap, FiveNodesAreTheNineWithStraightCurves)
 
 TEST(EnvelopeMap, FrameOfAnotherNodeCountMakesNoLattice)
 {
-    PATHREC *head = WithFrame({{6, 20, 20}, {2, 80, 20}, {2, 80, 50}, {3, 20, 20}}, 20, 20, 80, 50);
-    MAPCALL call = EnvelopeCall(head);
-    call.width = 120;
-    Call(&call);
-    EXPECT_EQ(0, call.result);
-    EXPECT_EQ(99.0, call.width) << "left as it was, but for the cut";
-    EXPECT_EQ(0, CountWritten(call.dist));
-    Free(&call);
+    for (size_t nodes : {4, 13}) {
+        std::vector<TESTNODE> frame = {{6, 20, 20}};
+        while (frame.size() < nodes) frame.push_back({2, 80, 20.0 + static_cast<double>(frame.size())});
+        PATHREC *head = WithFrame(frame, 20, 20, 80, 50);
+        MAPCALL call = EnvelopeCall(head);
+        call.width = 120;
+        Call(&call);
+        EXPECT_EQ(0, call.result);
+        EXPECT_EQ(99.0, call.width) << "left as it was, but for the cut";
+        EXPECT_EQ(0, CountWritten(call.dist));
+        Free(&call);
+    }
 }
 
 TEST(EnvelopeMap, FrameWithoutWidthIsRefused)

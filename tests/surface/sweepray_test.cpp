@@ -118,7 +118,7 @@ TEST(EdgeSweep, RayOfAnAxisParallelLineEndsAtTheTruncatedReach)
     static const struct {
         double width;
         int last;
-    } cases[] = {{4.0, 5}, {4.5, 5}, {5.99, 6}, {0.5, 1}, {0.25, 1}, {-0.5, 0}};
+    } cases[] = {{4.0, 5}, {4.5, 5}, {5.99, 6}, {0.5, 1}, {0.25, 1}, {-0.5, 0}, {-1.0, 0}};
     for (const auto &c : cases) {
         FIELD field;
         MakeField(60, 60, &field);
@@ -409,6 +409,20 @@ TEST(EdgeSweep, MaskAndPlanesOfOtherSizesAreSafe)
         }
     }
     FreeChain(head);
+}
+
+/* Column 1 and row 1 are the first that a ray writes, the size the first that it does not; a ray along such a border
+ * stays on it. */
+TEST(EdgeSweep, RayEntryOnABorderIsWhereTheRayStands)
+{
+    const zr32::POINTDB down = {0, 1};
+    const zr32::POINTDB right = {1, 0};
+    const zr32::POINTDB left = {-1, 0};
+    EXPECT_EQ(-1, zr32::RayEntry({1, 50}, down, -1, 1, 300, 200));
+    EXPECT_EQ(-1, zr32::RayEntry({50, 1}, right, -1, 1, 300, 200));
+    EXPECT_EQ(zr32::farthestRay, zr32::RayEntry({300, 50}, down, 0, 1, 300, 200));
+    EXPECT_EQ(0, zr32::RayEntry({300, 50}, left, 0, 1, 300, 200));
+    EXPECT_EQ(zr32::farthestRay, zr32::RayEntry({0.5, 50}, down, 0, 1, 300, 200));
 }
 
 /* Rays that come from far away enter the map at the same position, skipped to or walked to. */
