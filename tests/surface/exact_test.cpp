@@ -437,6 +437,29 @@ TEST(Exact, SameVertexWithUnequalEndsIsNoPair)
     ZrPathDeletePtr(path, 0);
 }
 
+/* An edge 4 above the pixel, and the corner of a hole at (3, 4) from it, which as a mitre is 4 away too: the edge stays
+ * first. A pixel lower the mitre is nearer, 3 away by both of its edges: it comes first and the edge is no longer
+ * asked.
+ */
+TEST(Exact, MitredCornerComesFirstOnlyIfItIsNearerThanTheEdge)
+{
+    PATHREC *path = JoinPaths({MakeBox(10.5, 10.5, 90.5, 70.5), MakeBox(37.5, 18.5, 57.5, 38.5, false)});
+    MADE made = Fast(path, SETTINGS{}); /* placed: the edge at 6, the corner at (33, 14) */
+    EXPECT_EQ(16.0F, made.Dist(30, 10));
+    const SURFVEC16 even = made.Vectors(30, 10);
+    EXPECT_EQ(0, even.x1);
+    EXPECT_EQ(-1024, even.y1);
+    EXPECT_EQ(0, even.x2);
+    EXPECT_EQ(1024, even.y2) << "a ridge with the edge of the hole";
+    EXPECT_EQ(9.0F, made.Dist(30, 11));
+    const SURFVEC16 nearer = made.Vectors(30, 11);
+    EXPECT_EQ(768, nearer.x1 + nearer.y1);
+    EXPECT_EQ(768, nearer.x2 + nearer.y2);
+    EXPECT_EQ(0, nearer.x1 * nearer.x2 + nearer.y1 * nearer.y2);
+    Free(&made);
+    ZrPathDeletePtr(path, 0);
+}
+
 TEST(Exact, VeryShortVectorsBecomeLonger)
 {
     const struct {
