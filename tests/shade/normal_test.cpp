@@ -2,6 +2,7 @@
 #include "shade/lights.h"
 #include "shade/normal.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -257,6 +258,39 @@ TEST(LightNormal, AShaderOverwritesTheLightThatItUses)
 }
 
 /* ---- light state ---- */
+
+/* Before any test runs. */
+const SHADELIGHTSREC phongAtLoad = SHADELIGHTS;
+const METALLIGHTSREC metalAtLoad = METALLIGHTS;
+const int gammaAtLoad = *std::max_element(gammaMap, gammaMap + 256);
+
+TEST(Lights, StateAtLoadIsOneDiagonalLightACornerAndWhite)
+{
+    const double dir[4][3] = {{-0.5773502, -0.5773502, 0.5773502},
+                              {0.5773502, -0.5773502, 0.5773502},
+                              {-0.5773502, 0.5773502, 0.5773502},
+                              {0.5773502, 0.5773502, 0.5773502}};
+    EXPECT_EQ(0.2, phongAtLoad.factors.ambient);
+    EXPECT_EQ(0.8, metalAtLoad.factors.ambient);
+    for (int i = 0; i < 4; i++) {
+        EXPECT_EQ(0.75, phongAtLoad.factors.diffuse[i]) << i;
+        EXPECT_EQ(0.8, phongAtLoad.factors.specular[i]) << i;
+        EXPECT_EQ(28.0, phongAtLoad.factors.shininess[i]) << i;
+        EXPECT_EQ(0.3, metalAtLoad.factors.diffuse[i]) << i;
+        EXPECT_EQ(2.0, metalAtLoad.factors.specular[i]) << i;
+        EXPECT_EQ(8.0, metalAtLoad.factors.shininess[i]) << i;
+        for (int c = 0; c < 3; c++) {
+            EXPECT_EQ(255, phongAtLoad.lightColor[i][c]) << i;
+            EXPECT_EQ(dir[i][c], phongAtLoad.lightDir[i][c]) << i;
+        }
+    }
+    for (const LIGHTFACTORS *factors : {&phongAtLoad.factors, &metalAtLoad.factors}) {
+        EXPECT_EQ(4.0, factors->spotPower);
+        EXPECT_EQ(4.0, factors->multiSpotPower);
+    }
+    for (uint8_t byte : phongAtLoad.ambientColor) EXPECT_EQ(0, byte);
+    EXPECT_EQ(0, gammaAtLoad) << "until the map is built all is black";
+}
 
 TEST(Lights, PhongStateFollowsItsArguments)
 {
