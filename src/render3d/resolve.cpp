@@ -58,12 +58,7 @@ BLENDCOLOUR Over(const BLENDCOLOUR &front, const BLENDCOLOUR &behind)
 BLENDCOLOUR Mix(const BLENDCOLOUR &front, uint32_t wIn, const BLENDCOLOUR &behind, uint32_t wOut)
 {
     BLENDCOLOUR out;
-    if (front.c[ALPHA] == 0) {
-        out = behind;
-        out.c[ALPHA] = behind.c[ALPHA] * wOut >> 8;
-        return out;
-    }
-    if (behind.c[ALPHA] == 0) {
+    if (behind.c[ALPHA] == 0) { /* the front's alpha is never 0: what is not opaque comes from Over, at least 1 */
         out = front;
         out.c[ALPHA] = front.c[ALPHA] * wIn >> 8;
         return out;
