@@ -244,6 +244,35 @@ TEST_F(Strips, BothSidesOfASilhouetteEndAtItsLine)
     EXPECT_EQ(1u, ListOf(&render.abuf, 11, 10).size());
 }
 
+TEST_F(Strips, WhatLiesApartIsFilledWithWholePixelsOfMixedColour)
+{
+    /* two pixels apart: five steps of 0.4, the samples between at 10.9, 11.3, 11.7 and 12.1 */
+    SAMPLE from = Lit(0x80104050, 5, 1, {10.5, 10.5});
+    SAMPLE to = Lit(0x30606000, 10, 0.5, {12.5, 10.5});
+    render.abuf.edgeId = 1;
+    FillBetween(&render, &from, &to);
+    EXPECT_EQ(0u, PlanePixel(&render.abuf, 9, 10)->value);
+    /* the first in a pixel stands; a fifth on the way: 0x80 - 16, 0x10 + 16, 0x40 + 6.4, 0x50 - 16; z 6 */
+    EXPECT_EQ(0x70204640u, PlanePixel(&render.abuf, 10, 10)->value);
+    EXPECT_EQ(3006, PlanePixel(&render.abuf, 10, 10)->zTag);
+    /* two fifths: 0x80 - 32, 0x10 + 32, 0x40 + 12.8, 0x50 - 32; z 7 */
+    EXPECT_EQ(0x60304C30u, PlanePixel(&render.abuf, 11, 10)->value);
+    EXPECT_EQ(3007, PlanePixel(&render.abuf, 11, 10)->zTag);
+    /* four fifths: 0x80 - 64, 0x10 + 64, 0x40 + 25.6, 0x50 - 64 */
+    EXPECT_EQ(0x40505910u, PlanePixel(&render.abuf, 12, 10)->value);
+    EXPECT_EQ(0u, PlanePixel(&render.abuf, 13, 10)->value);
+
+    /* half a pixel needs none, and what spans more than the plane is no neighbour */
+    from.at = {10.5, 20.5};
+    to.at = {11, 20.5};
+    FillBetween(&render, &from, &to);
+    EXPECT_EQ(0u, PlanePixel(&render.abuf, 10, 20)->value);
+    from.at = {10.5, 30.5};
+    to.at = {115, 30.5};
+    FillBetween(&render, &from, &to);
+    EXPECT_EQ(0u, PlanePixel(&render.abuf, 20, 30)->value);
+}
+
 TEST_F(Strips, RimsCutEveryPixelThatTheyClip)
 {
     SAMPLE from = Lit(0x80112233, 1, 1, {10.95, 10.5});

@@ -216,6 +216,8 @@ TEST(Wireframe, HalfPixelOnlyWhereTheViewEnlarges)
     view.scrollX = 100;
     view.scrollY = 200;
     EXPECT_EQ("M923,1843 L963,1883 ", Draw(path, 1, 1, &view, &t, 0));
+    view.zoom = 1000; /* 11.5 x 1000 - 100 + 1000, 21.5 x 1000 - 200 + 2000; 31.5 and 41.5 */
+    EXPECT_EQ("M12400,23300 L32400,43300 ", Draw(path, 1, 1, &view, &t, 0));
     view.zoom = -2;
     EXPECT_EQ("M905,1810 L915,1820 ", Draw(path, 1, 1, &view, &t, 0));
     view.zoom = INT32_MIN;
