@@ -373,6 +373,24 @@ TEST_F(Put, TriangleReplacesAHalfPlaneOnlyWhereThatCoversAll)
     EXPECT_EQ(0x0000187Eu, ListOf(&abuf, 0, 0)[0].coverage);
 }
 
+TEST_F(Put, ShapesLieInThePlaneNotInThePixel)
+{
+    const POINTDB one = {1, 1};
+    const EDGESHAPE *shapes[] = {&rightHalf, &topTriangle};
+    for (int i = 0; i < 2; i++) {
+        EDGESHAPE shape = *shapes[i];
+        shape.from = shape.from + one;
+        shape.to = shape.to + one;
+        shape.point = shape.point + one;
+        *PlanePixel(&abuf, 1, 1) = {};
+        SAMPLE sample = Lit(glassy, 2);
+        abuf.edgeId = 1;
+        ABufPutEdge(&abuf, 1, 1, &sample, &shape);
+        ASSERT_EQ(1u, ListOf(&abuf, 1, 1).size());
+        EXPECT_EQ(i == 0 ? 0x0F0F0F0Fu : 0x0000187Eu, ListOf(&abuf, 1, 1)[0].coverage);
+    }
+}
+
 TEST_F(Put, TrianglesOfOneSurfaceMix)
 {
     const EDGESHAPE left = {EDGE_TRIANGLE, {0, -1}, {0, 3}, {0.5, 1}}; /* top row: 2 sub-pixels */
