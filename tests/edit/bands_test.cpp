@@ -87,8 +87,10 @@ TEST(Bands, ALineHasABoxAroundItsEnd)
 namespace {
 
 /* The tool over a recorder; each call gives the lines drawn by one message as "x y to x y". */
-struct BANDDOC : DOCUMENT {
-    RECORDER record;
+class BANDDOC : public DOCUMENT {
+    RECORDER record; /* its context is another one after each Take */
+
+  public:
     PENDRIVER pen;
     BANDDOC() : pen(table, view, record.dc)
     {
@@ -177,11 +179,11 @@ TEST(PenBands, OnlyTheEscKeyErases)
     BANDDOC doc;
     doc.pen.Click(30, 40);
     doc.pen.Move(60, 50);
-    doc.record.Take();
+    doc.Take();
     for (const uint32_t message : {256u, 257u}) doc.pen.Send(message, 60, 50, 28);
-    EXPECT_EQ(doc.record.Take(), CALLS{});
+    EXPECT_EQ(doc.Take(), CALLS{});
     doc.pen.Send(512, 70, 50, 27);
-    EXPECT_EQ(doc.record.Take("line"), (CALLS{"line 60 50", "line 70 50"})) << "a move draws, whatever its word is";
+    EXPECT_EQ(doc.Take("line"), (CALLS{"line 60 50", "line 70 50"})) << "a move draws, whatever its word is";
 }
 
 TEST(PenBands, TheScrollIsTakenAwayAndReductionsLeaveTheHalfPixelOut)
@@ -199,13 +201,13 @@ TEST(PenBands, TheCurveToComeBeginsWithTheHandleThatWasPulled)
 {
     BANDDOC doc;
     doc.pen.Drag(30, 40, 50, 10);
-    doc.record.Take();
+    doc.Take();
     doc.pen.Move(90, 60);
-    EXPECT_EQ(doc.record.Take("bezier"), CALLS{"bezier 50 10 90 60 90 60"});
+    EXPECT_EQ(doc.Take("bezier"), CALLS{"bezier 50 10 90 60 90 60"});
     /* Pulling a handle there: first the curve that stands goes, then the one with the mirror image comes. */
     doc.pen.Down(90, 60);
     doc.pen.Move(110, 80);
-    EXPECT_EQ(doc.record.Take("bezier"), (CALLS{"bezier 50 10 90 60 90 60", "bezier 50 10 70 40 90 60"}));
+    EXPECT_EQ(doc.Take("bezier"), (CALLS{"bezier 50 10 90 60 90 60", "bezier 50 10 70 40 90 60"}));
 }
 
 TEST(PenBands, BehindACornerTheCurveBeginsWithoutAHandle)
@@ -213,9 +215,9 @@ TEST(PenBands, BehindACornerTheCurveBeginsWithoutAHandle)
     BANDDOC doc;
     doc.pen.Click(30, 40);
     doc.pen.Down(90, 60);
-    doc.record.Take();
+    doc.Take();
     doc.pen.Move(110, 80);
-    EXPECT_EQ(doc.record.Take("bezier").back(), "bezier 30 40 70 40 90 60");
+    EXPECT_EQ(doc.Take("bezier").back(), "bezier 30 40 70 40 90 60");
 }
 
 TEST(PenBands, AWholeDrawingLeavesTheContextAsItWas)
