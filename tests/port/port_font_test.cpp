@@ -179,6 +179,19 @@ TEST_F(PortFont, MatrixIsAppliedAfterTheScale)
     TextDcFree(&dc);
 }
 
+TEST_F(PortFont, MetricsTellTheCharactersThatAByteFontHas)
+{
+    TEXTDC dc = TextDcMake(InstalledTinyFont(), 100);
+    TEXTMETRICA metrics = {};
+    ASSERT_TRUE(GetTextMetricsA(dc.dc, &metrics));
+    EXPECT_EQ(metrics.tmFirstChar, 0x1E);
+    EXPECT_EQ(metrics.tmLastChar, 0xFF);
+    EXPECT_EQ(metrics.tmDefaultChar, 0x1F);
+    EXPECT_EQ(metrics.tmBreakChar, 0x20);
+    EXPECT_EQ(metrics.tmWeight, FW_NORMAL);
+    TextDcFree(&dc);
+}
+
 TEST_F(PortFont, FontThatTellsNoAverageWidthHasHalfTheEm)
 {
     /* OS/2 is the first table: its offset stands in bytes 20 to 23, the average width behind its version. */

@@ -299,6 +299,8 @@ TEST_F(Table, FindGroupsAndNames)
     AddBox("two");
     ZrPathFindGroups(table, &count);
     EXPECT_EQ(2u, count);
+    ZrPathFindGroupName(table, 0, &name);
+    EXPECT_EQ(table->groups[0].name, name);
     ZrPathFindGroupName(table, 1, &name);
     EXPECT_EQ(table->groups[1].name, name);
     for (int32_t bad : {-1, 2, INT32_MIN, INT32_MAX}) {
