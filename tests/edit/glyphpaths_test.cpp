@@ -357,6 +357,7 @@ TEST(GlyphPaths, DataThatDoesNotFitItsSizeEndsTheGlyph)
         {"no points", with16(two, 18, 0), 2, 1},
         {"a type that is none", with16(two, 16, 9), 2, 1},
         {"spline of one point", Contour({0, 0}, {{2, {{one, one}}}}), 1, 1},
+        {"spline of no points", Contour({0, 0}, {{2, {}}}), 1, 1},
         {"curve header cut in half", with32(cut(triangle, 18), 0, 18), 1, 1},
     };
     for (const auto &c : cases) {
