@@ -49,7 +49,7 @@ TEST_F(View, WithoutATableOnlyTheSevenWordsAreSet)
     for (uint32_t word : view->reserved) EXPECT_EQ(0u, word);
 }
 
-#if GTEST_HAS_DEATH_TEST && !defined(_WIN32)
+#if GTEST_HAS_DEATH_TEST
 /* In a process of its own, where nothing has run yet. */
 TEST(ViewStart, MakingTheFirstViewStartsTheLibrary)
 {
