@@ -40,6 +40,18 @@ TEST(NodeWalk, KindLeavesOutClosingSmoothAndSelectedBits)
     }
 }
 
+TEST(NodeWalk, NodeIsSelectedByItsTopBitAlone)
+{
+    const struct {
+        uint16_t type;
+        int selected;
+    } cases[] = {{0x0002, 0}, {0x8002, 1}, {0x7FFF, 0}, {0x8000, 1}, {0xA005, 1}, {0x2004, 0}};
+    for (const auto &c : cases) {
+        const PATHNODE node = {c.type, 0, 0};
+        EXPECT_EQ(c.selected, NodeSelected(&node)) << c.type;
+    }
+}
+
 TEST(NodeWalk, PullsWholeSegmentsOfAllRuns)
 {
     PATHREC *path = MakePath({{6, 1, 2},

@@ -301,6 +301,18 @@ TEST_F(Stream, OlderLayoutIsUpgraded)
     ZrPathDeletePtr(head, 0);
 }
 
+TEST_F(Stream, OlderRecordOfItsHeaderAloneIsRead)
+{
+    BYTES blob = OlderBlob({0, 0, 0, 0, 0, 0}, 3, 0);
+    blob.resize(32); /* without the spare bytes */
+    PATHREC *head = nullptr;
+    ASSERT_EQ(1, UnFlatten(StreamOf({5}, {blob}), &head));
+    EXPECT_EQ(0u, head->nodeCount);
+    EXPECT_EQ(3u, head->flags);
+    EXPECT_EQ(recordHeaderSize, PathHeapSize(PathHeap(), 0, head));
+    ZrPathDeletePtr(head, 0);
+}
+
 TEST_F(Stream, BothLayoutsMayStandInOneStream)
 {
     PATHREC *path = MakePath({{6, 1, 2}, {2, 3, 4}});
