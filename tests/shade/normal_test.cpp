@@ -207,6 +207,18 @@ TEST(LightNormal, AZeroOffsetOrOneBeyondTheBevelAimsAtTheViewer)
     }
 }
 
+TEST(LightNormal, TheFirstAndTheLastLightAreAimedLikeTheOthers)
+{
+    const SURFVEC16 record = {4 * 256, 0, 0, 0};
+    const int32_t column = 0;
+    for (int32_t index = 0; index < 4; index++) {
+        double result[3];
+        SHADELIGHTS.lightDir[index][0] = 9;
+        ZrpathChangeLightNormal(8, 0, 0, 0, &column, 0, &record, 0, index, result);
+        EXPECT_NEAR(0.5, SHADELIGHTS.lightDir[index][0], 1e-12) << index;
+    }
+}
+
 TEST(LightNormal, TheRecordOfTheColumnIsReadInBothForms)
 {
     const SURFVEC16 words[3] = {{0, 0, 0, 0}, {0, 0, 0, 0}, {4 * 256, 0, 0, 0}};
