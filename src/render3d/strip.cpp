@@ -103,8 +103,8 @@ double HalvesInPixels(const POINTDB *at)
 }
 
 /* How many steps a section has: by its place in the picture plane, or by the raised surface where more is seen of that,
- * as nearly edge-on. Halves that are all shorter than a pixel leave none, deliberately, be they raised ever so high;
- * nor does a length that is no number. */
+ * as nearly edge-on or on narrow strokes. Halves that are all shorter than a pixel leave none, deliberately; nor does a
+ * length that is no number. */
 double StepsOf(const RENDER *render, const RUN *run, double reach)
 {
     POINTDB flat[3];
@@ -116,8 +116,7 @@ double StepsOf(const RENDER *render, const RUN *run, double reach)
         flat[i] = SpaceProject(&render->space, p.x, p.y, 0);
         raised[i] = SpaceProject(&render->space, p.x, p.y, height);
     }
-    double steps = HalvesInPixels(flat);
-    if (reach >= 2) steps = std::max(steps, HalvesInPixels(raised));
+    const double steps = std::max(HalvesInPixels(flat), HalvesInPixels(raised));
     return std::isfinite(steps) ? std::min(steps, static_cast<double>(maxStripPoints)) : 0;
 }
 

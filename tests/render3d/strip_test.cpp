@@ -69,10 +69,11 @@ TEST_F(Strips, SeenEdgeOnTheRaisedSurfaceCounts)
     EXPECT_EQ(8, strip.run.steps);
     Build({0, 20}, {2.5, 0});
     EXPECT_EQ(2, strip.run.steps);
-    Build({0, 20}, {1.9, 0}); /* but what is too short from above stays too short, however high */
-    for (int i = 0; i < 4096; i++) PROFILETBL[i].height *= 10;
-    Build({0, 20}, {1.9, 0});
+    Build({0, 20}, {1.9, 0}); /* 0.95 + 0.95 are none */
     EXPECT_EQ(0u, strip.count);
+    for (int i = 0; i < 4096; i++) PROFILETBL[i].height *= 10; /* 9.5 + 9.5 */
+    Build({0, 20}, {1.9, 0});
+    EXPECT_EQ(18, strip.run.steps);
 }
 
 TEST_F(Strips, SamplesRiseWithTheProfileAndLeanOutwards)
