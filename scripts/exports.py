@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Compares the symbols that a built library exports with tests/exports.txt, the list of the 123, and shows that it
-cannot throw: it takes nothing from the C++ runtime that allocates or throws, so that no exception can cross
-the C interface.
+"""Compares the symbols that a built library exports with tests/exports.txt, the list of the 123. Of a .so it also shows
+that it cannot throw: it takes nothing from the C++ runtime that allocates or throws, so that no exception can cross the C
+interface. A .dll has the runtime inside, where nothing can be told from its imports; its sources are the same.
 
 usage: exports.py LIBRARY [NM]      LIBRARY a .so or .dll; NM the nm or objdump of its platform
 """
