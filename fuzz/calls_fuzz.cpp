@@ -45,20 +45,6 @@ COORDSTRUCT *View(const EDITOR &e)
     return e.views[e.now];
 }
 
-PATHREC *Active(const EDITOR &e)
-{
-    PATHREC *path = nullptr;
-    ZrPathFind(Table(e), nullptr, &path, nullptr, nullptr);
-    return path;
-}
-
-PATHREC *Selected(const EDITOR &e)
-{
-    PATHREC *path = nullptr;
-    ZrPathFind(Table(e), nullptr, nullptr, &path, nullptr);
-    return path;
-}
-
 uint32_t CountRecords(const PATHREC *path)
 {
     uint32_t count = 0;
@@ -76,7 +62,7 @@ PATHREC *RecordAt(PATHREC *path, int32_t index)
 PATHREC *GroupPath(EDITOR &e)
 {
     const uint8_t pick = Take<uint8_t>(&e.bytes);
-    return pick < 100 ? Selected(e) : RecordAt(Active(e), pick % 16);
+    return pick < 100 ? Selected(Table(e)) : RecordAt(Active(Table(e)), pick % 16);
 }
 
 PATHREC **LooseSlot(EDITOR &e)
@@ -129,7 +115,7 @@ RECT TakeRect(EDITOR &e)
 void Settle(EDITOR &e)
 {
     ZrPathAssignSelectedPath(Table(e), nullptr);
-    ZrPathAssignSelectedPathBlindly(Table(e), Active(e));
+    ZrPathAssignSelectedPathBlindly(Table(e), Active(Table(e)));
 }
 
 /* ---- records of the editor's own ---- */
@@ -245,7 +231,7 @@ void AddGroup(EDITOR &e)
 void AddToGroup(EDITOR &e)
 {
     PATHREC **slot = LooseSlot(e);
-    PATHREC *head = Active(e);
+    PATHREC *head = Active(Table(e));
     if (!*slot || !head || CountRecords(head) + CountRecords(*slot) > mostRecords) return;
     PATHREC *added = zr32::PathChainFirst(*slot);
     ZrPathChainPaths(&head, added);
@@ -372,7 +358,7 @@ void Paint(EDITOR &e)
 void Click(EDITOR &e)
 {
     static const int32_t modifiers[] = {ZRPICK_REPLACE, ZRPICK_REPLACE, ZRPICK_ADD, ZRPICK_QUERY, 1};
-    PATHREC *path = RecordAt(Active(e), TakeRange(&e.bytes, 0, 15));
+    PATHREC *path = RecordAt(Active(Table(e)), TakeRange(&e.bytes, 0, 15));
     int32_t x = TakeNumber(&e.bytes, -5, 70);
     int32_t y = TakeNumber(&e.bytes, -5, 55);
     if (path && path->nodeCount && View(e) && TakeBool(&e.bytes)) { /* at a node */
@@ -407,8 +393,8 @@ void Select(EDITOR &e)
 
 void SelectAll(EDITOR &e)
 {
-    ZrPathAllPathSelected(Active(e));
-    ZrPathAssignActivePath(Table(e), Active(e));
+    ZrPathAllPathSelected(Active(Table(e)));
+    ZrPathAssignActivePath(Table(e), Active(Table(e)));
 }
 
 void Ask(EDITOR &e)
@@ -479,14 +465,15 @@ void Delete(EDITOR &e)
 
 void Duplicate(EDITOR &e)
 {
-    if (CountRecords(Active(e)) * 2 <= mostRecords) ZrPathDuplicate(TakeDC(&e.bytes), Table(e), View(e), &e.dirty);
+    if (CountRecords(Active(Table(e))) * 2 <= mostRecords)
+        ZrPathDuplicate(TakeDC(&e.bytes), Table(e), View(e), &e.dirty);
 }
 
 void AddPrimitive(EDITOR &e)
 {
     const RECT drag = TakeRect(e);
     const PATHREC *prototype = TakeRange(&e.bytes, 0, 3) == 0 ? AnyPath(e) : nullptr;
-    const uint32_t grown = CountRecords(prototype) + CountRecords(Active(e)) + 1;
+    const uint32_t grown = CountRecords(prototype) + CountRecords(Active(Table(e))) + 1;
     if (grown > mostRecords) return;
     ZrPathAddPrimitive(TakeDC(&e.bytes), TakeRange(&e.bytes, 0, 6), prototype, Table(e), View(e),
                        TakeRange(&e.bytes, 0, 1), TakeRange(&e.bytes, 0, 1), &drag);
@@ -511,7 +498,7 @@ void Warp(EDITOR &e)
 void Pen(EDITOR &e)
 {
     static const uint32_t messages[] = {513, 514, 512, 515, 512, 514, 256, 257, 0};
-    if (CountRecords(Active(e)) >= mostRecords) return;
+    if (CountRecords(Active(Table(e))) >= mostRecords) return;
     HDC hdc = TakeDC(&e.bytes);
     for (int32_t i = TakeRange(&e.bytes, 1, 6); i > 0; i--) {
         const uint32_t message = TakeOne(&e.bytes, messages);
@@ -542,7 +529,7 @@ void EditAndStep(EDITOR &e)
 {
     ZRPOINTFX points[8];
     const int32_t key = Key(e);
-    PATHREC *selected = Selected(e);
+    PATHREC *selected = Selected(Table(e));
     switch (TakeRange(&e.bytes, 0, 3)) {
     case 0:
         ZrPathBackupAction(key, UR_MOVE, Table(e));
@@ -556,11 +543,11 @@ void EditAndStep(EDITOR &e)
         break;
     default:
         TakeFrame(&e.bytes, 60, points);
-        if (CountRecords(Active(e)) >= mostRecords) return;
-        ZrPathAddBiBezierEnvelope(Active(e), points);
+        if (CountRecords(Active(Table(e))) >= mostRecords) return;
+        ZrPathAddBiBezierEnvelope(Active(Table(e)), points);
         Settle(e);
         ZrPathBackupAction(key, UR_ENVELOPE, Table(e));
-        ZrPathBiCubic(Active(e), points);
+        ZrPathBiCubic(Active(Table(e)), points);
         break;
     }
     for (int32_t i = TakeRange(&e.bytes, 1, 4); i > 0; i--)

@@ -155,6 +155,20 @@ void CheckTable(const PATHTBL *table)
     }
 }
 
+PATHREC *Active(const PATHTBL *table)
+{
+    PATHREC *path = nullptr;
+    ZrPathFind(table, nullptr, &path, nullptr, nullptr);
+    return path;
+}
+
+PATHREC *Selected(const PATHTBL *table)
+{
+    PATHREC *path = nullptr;
+    ZrPathFind(table, nullptr, nullptr, &path, nullptr);
+    return path;
+}
+
 ZRFIXED FitZoom(const PATHREC *path, int32_t limit)
 {
     RECT rect = {0, 0, 0, 0};

@@ -30,6 +30,10 @@ uint32_t CheckChain(const PATHREC *head);
 /* Every group of the table by CheckChain, active paths heads, selected paths among the group's records. */
 void CheckTable(const PATHTBL *table);
 
+/* The current group's active and selected path; null where there is none. */
+PATHREC *Active(const PATHTBL *table);
+PATHREC *Selected(const PATHTBL *table);
+
 /* The zoom, at most 1.0, at which no side of the whole chain's box is longer than limit pixels. */
 ZRFIXED FitZoom(const PATHREC *path, int32_t limit);
 

@@ -98,34 +98,21 @@ struct EDITOR {
     RECT dirty;
 };
 
-PATHREC *Active(const EDITOR &editor)
-{
-    PATHREC *path = nullptr;
-    ZrPathFind(editor.table, nullptr, &path, nullptr, nullptr);
-    return path;
-}
-
-PATHREC *Selected(const EDITOR &editor)
-{
-    PATHREC *path = nullptr;
-    ZrPathFind(editor.table, nullptr, nullptr, &path, nullptr);
-    return path;
-}
-
 void Show(EDITOR *editor)
 {
     EDITOR &e = *editor;
-    ZrPathAssignActivePath(e.table, Active(e));
-    ZrPathAssignSelectedPath(e.table, Selected(e));
-    ZrPathDraw(e.view, Active(e), &e.dirty);
-    ZrPathHideSelected(e.view, Selected(e), &e.dirty);
-    ZrPathMovePaths(Selected(e), e.view, 5, -3);
-    ZrPathDrawSelectedSegments(e.view, Selected(e), &e.dirty);
-    ZrPathDrawSelected(e.view, Selected(e), &e.dirty);
-    ZrPathScrollDB(e.view, Active(e), 2, -1);
+    ZrPathAssignActivePath(e.table, Active(e.table));
+    ZrPathAssignSelectedPath(e.table, Selected(e.table));
+    ZrPathDraw(e.view, Active(e.table), &e.dirty);
+    ZrPathHideSelected(e.view, Selected(e.table), &e.dirty);
+    ZrPathMovePaths(Selected(e.table), e.view, 5, -3);
+    ZrPathDrawSelectedSegments(e.view, Selected(e.table), &e.dirty);
+    ZrPathDrawSelected(e.view, Selected(e.table), &e.dirty);
+    ZrPathScrollDB(e.view, Active(e.table), 2, -1);
     ZrPathTblRepaintNodes(SceneDC(), e.table, e.view, 0, 0, 40, 30);
-    for (PATHREC *record = Active(e); record; record = record->nextPath) ZrPathDrawNodes(SceneDC(), record, e.view);
-    ZrPathHide(e.view, Active(e), &e.dirty);
+    for (PATHREC *record = Active(e.table); record; record = record->nextPath)
+        ZrPathDrawNodes(SceneDC(), record, e.view);
+    ZrPathHide(e.view, Active(e.table), &e.dirty);
     CheckTable(e.table);
 }
 
@@ -133,7 +120,7 @@ void Show(EDITOR *editor)
 void Pick(EDITOR *editor)
 {
     EDITOR &e = *editor;
-    for (PATHREC *record = Active(e); record; record = record->nextPath) {
+    for (PATHREC *record = Active(e.table); record; record = record->nextPath) {
         for (uint32_t i = 0; i < record->nodeCount && i < 4; i++) {
             PATHREC *hit = record;
             uint32_t node = 0;
@@ -151,7 +138,7 @@ void Pick(EDITOR *editor)
     CheckTable(e.table);
     ZrPathRectClip(0, 0, 40, 40, e.table, SceneDC(), e.view, ZRCLIP_OUTLINE);
     ZrPathRectClip(5, 0, 30, 40, e.table, SceneDC(), e.view, ZRCLIP_NODES | ZRCLIP_DESELECT);
-    ZrPathAssignSelectedPathBlindly(e.table, Active(e));
+    ZrPathAssignSelectedPathBlindly(e.table, Active(e.table));
     CheckTable(e.table);
 }
 
@@ -160,8 +147,8 @@ void Step(EDITOR *editor)
 {
     EDITOR &e = *editor;
     static const int32_t actions[] = {UR_SELECTION, UR_MOVE, UR_JOIN, UR_DISJOIN, UR_ENVELOPE};
-    ZrPathAllPathSelected(Active(e));
-    ZrPathAssignSelectedPath(e.table, Active(e));
+    ZrPathAllPathSelected(Active(e.table));
+    ZrPathAssignSelectedPath(e.table, Active(e.table));
     for (const int32_t action : actions) ZrPathBackupAction(key, action, e.table);
     ZrPathSameUR(key, e.table, UR_SELECTION);
     for (int i = 0; i < 10; i++) UndoStep(key, i >= 5, e.table, e.view, SceneDC(), &e.dirty);
@@ -183,8 +170,8 @@ void Group(const PATHREC *path, int32_t zoom)
     Show(&e);
     Pick(&e);
     Step(&e);
-    ZrPathAllPathSelected(Active(e));
-    ZrPathAssignActivePath(e.table, Active(e));
+    ZrPathAllPathSelected(Active(e.table));
+    ZrPathAssignActivePath(e.table, Active(e.table));
     ZrPathCenter(0, 18018, e.table, e.view, &e.dirty);
     ZrPathDuplicate(SceneDC(), e.table, e.view, &e.dirty);
     const RECT drag = {5, 5, 30, 25};
@@ -193,10 +180,10 @@ void Group(const PATHREC *path, int32_t zoom)
     ZrPathAddPrimitive(SceneDC(), ZRPRIM_BAR, path, e.table, e.view, 0, 0, &drag);
     CheckTable(e.table);
     ZrPathDelete(e.table, e.view, &e.dirty);
-    ZrPathDeSelectAll(SceneDC(), Active(e), e.view, 1);
+    ZrPathDeSelectAll(SceneDC(), Active(e.table), e.view, 1);
     ZrPathAssignSelectedPath(e.table, nullptr);
-    if (Active(e)) Active(e)->flags = PATHREC_NODEEDIT;
-    ZrPathAssignSelectedPath(e.table, Active(e));
+    if (Active(e.table)) Active(e.table)->flags = PATHREC_NODEEDIT;
+    ZrPathAssignSelectedPath(e.table, Active(e.table));
     ZrPathDelete(e.table, e.view, &e.dirty);
     ZrPathDeleteLink(e.table, e.view, &e.dirty);
     CheckTable(e.table);
